@@ -1,0 +1,104 @@
+#include "CompletionSignal.h"
+#include "RestText.h"
+#include "Utils.h"
+#include "VantryApi.h"
+
+#include <ctime>
+#include <sstream>
+
+using Platform::fromRestText;
+using Platform::toAnsi;
+using Platform::toRestText;
+using web::http::methods;
+using web::http::status_codes;
+
+namespace json = web::json;
+
+namespace
+{
+std::string multipartBody(const std::wstring& boundary, const Attachment& attachment)
+{
+    const auto token = toAnsi(boundary);
+    std::ostringstream body;
+    body << "\r\n"
+         << "--===" << token << "===\r\n"
+         << R"(Content-Disposition: form-data; name="file"; filename=")" << toAnsi(attachment.fileName)
+         << "\"\r\n"
+         << "Content-Type: null\r\n"
+         << "Content-Transfer-Encoding: binary\r\n"
+         << "\r\n"
+         << attachment.data << "\r\n"
+         << "--===" << token << "===--\r\n";
+    return body.str();
+}
+} // namespace
+
+namespace VantryIntegrationApi
+{
+void CVantryApi::saveAttachment(const Attachment& attachment)
+{
+    const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
+    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveAttachment");
+    web::uri requestUri;
+    const bool prepared = prepare(lumoName, [&] {
+        requestUri = web::uri_builder()
+                         .set_path(U("/attachment/upload"))
+                         .append_query(U("type=TechNote"), false)
+                         .append_query(U("entityId=") + Utils::rawQueryText(m_lastSavedTechNoteId), false)
+                         .to_uri();
+        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
+    });
+    if (!prepared || !validateOrStop(lumoName)) {
+        return;
+    }
+    LUMO_DEBUG(L"Going to send request to server");
+    m_lastResponse =
+        Utils::safe_CallMethod([&] { return unsafe_sendRequest_UploadAttachment(requestUri, attachment); });
+    if (m_lastResponse.httpStatusCode != status_codes::Created) {
+        LUMO_ERROR(g_requestErrorText);
+    }
+}
+
+ResponseStatus CVantryApi::unsafe_sendRequest_UploadAttachment(const web::uri& requestUri,
+                                                               const Attachment& attachment)
+{
+    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest_UploadAttachment");
+    web::http::http_request request(methods::POST);
+    request.set_request_uri(requestUri);
+
+    const auto cookie = m_session.m_sessionCookie + L"; wosid=" + m_session.m_sessionKey +
+                        L"; vantryuser_helpdesk=" + m_userName;
+    LUMO_DEBUG(L"Used Cookie: " << cookie);
+    auto& headers = request.headers();
+    headers[U("Cookie")] = toRestText(cookie);
+    headers.set_cache_control(U("no-cache"));
+    headers[U("Pragma")] = U("no-cache");
+
+    const auto boundary = std::to_wstring(std::time(nullptr));
+    headers.set_content_type(U("multipart/form-data; boundary====") + toRestText(boundary) + U("==="));
+    auto body = multipartBody(boundary, attachment);
+    const auto length = body.size();
+    LUMO_INFO(L"Content Length is: " << length);
+    request.set_body(std::move(body), "text/plain; charset=utf-8"); // keeps the content type set above
+    headers.set_content_length(length);
+
+    const auto base = Utils::baseAddress(web::uri(toRestText(m_endPoint))) + L"/helpdesk";
+    LUMO_INFO(L"Setting the end point for uploading attachment: " << base);
+
+    json::value answer;
+    auto status = exchange(lumoName, web::uri(toRestText(base)), request, &Utils::handleResponse, answer);
+    if (answer.is_null()) {
+        return status;
+    }
+    LUMO_INFO(L"Server's response: " << Utils::jsonText(answer));
+    if (const auto reason = Utils::member(answer, U("reason")); !reason.is_null()) {
+        LUMO_INFO(L"Trying to set an error to the response status");
+        status.errorMessage = Utils::jsonText(reason);
+        LUMO_ERROR(status.errorMessage);
+        if (status.httpStatusCode == status_codes::OK) {
+            status.httpStatusCode = status_codes::ExpectationFailed;
+        }
+    }
+    return status;
+}
+} // namespace VantryIntegrationApi

@@ -1,0 +1,60 @@
+#include "CompletionSignal.h"
+#include "RestText.h"
+#include "Utils.h"
+#include "VantryApi.h"
+
+#include <string>
+
+using Platform::fromRestText;
+using Platform::toRestText;
+using web::http::methods;
+using web::http::status_codes;
+
+namespace json = web::json;
+
+namespace
+{
+json::value noteBody(const TechNote& techNote)
+{
+    auto ticket = json::value::object();
+    ticket[U("type")] = json::value::string(U("JobTicket"));
+    ticket[U("id")] = json::value::string(toRestText(techNote.jobTicketId));
+
+    auto body = json::value::object();
+    body[U("noteText")] = json::value::string(toRestText(techNote.noteText));
+    body[U("jobticket")] = ticket;
+    body[U("workTime")] = json::value::string(toRestText(std::to_wstring(techNote.workTime)));
+    body[U("isHidden")] = json::value::boolean(!techNote.isVisible);
+    return body;
+}
+} // namespace
+
+void VantryIntegrationApi::CVantryApi::saveTechNote(const TechNote& techNote)
+{
+    const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
+    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
+    web::uri requestUri;
+    json::value body;
+    const bool prepared = prepare(lumoName, [&] {
+        requestUri = web::uri_builder()
+                         .set_path(U("/TechNotes"))
+                         .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                         .to_uri();
+        LUMO_DEBUG(L"Going to prepare json object from input data.");
+        body = noteBody(techNote);
+        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
+    });
+    if (!prepared || !validateOrStop(lumoName)) {
+        return;
+    }
+    LUMO_DEBUG(L"Going to send request to server");
+    auto answer = json::value::object();
+    m_lastResponse = sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
+    if (m_lastResponse.httpStatusCode != status_codes::Created) {
+        m_lastSavedTechNoteId.clear();
+        LUMO_ERROR(g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
+        return;
+    }
+    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer, U("id")));
+    LUMO_INFO(L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
+}

@@ -1,0 +1,67 @@
+#include "CompletionSignal.h"
+#include "RestText.h"
+#include "Utils.h"
+#include "VantryApi.h"
+
+using Platform::fromRestText;
+using Platform::toRestText;
+using web::http::methods;
+using web::http::status_codes;
+
+namespace json = web::json;
+
+namespace
+{
+json::value entity(const utility::char_t* type, const std::wstring& id)
+{
+    auto value = json::value::object();
+    value[U("type")] = json::value::string(type);
+    value[U("id")] = json::value::string(toRestText(id));
+    return value;
+}
+
+json::value ticketBody(const TicketCreationInformation& ticket)
+{
+    auto body = json::value::object();
+    body[U("subject")] = json::value::string(toRestText(ticket.subject));
+    body[U("detail")] = json::value::string(toRestText(ticket.detail));
+    if (ticket.entityType == VantryType::Client) {
+        body[U("clientReporter")] = entity(U("Client"), ticket.entityId);
+    } else {
+        body[U("assets")] = json::value::array({entity(U("Asset"), ticket.entityId)});
+    }
+    return body;
+}
+} // namespace
+
+void VantryIntegrationApi::CVantryApi::createTicket(const TicketCreationInformation& ticket)
+{
+    const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
+    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
+    web::uri requestUri;
+    json::value body;
+    const bool prepared = prepare(lumoName, [&] {
+        requestUri = web::uri_builder()
+                         .set_path(U("/Tickets"))
+                         .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                         .to_uri();
+        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
+        LUMO_INFO(L"Preparing json based on input information");
+        body = ticketBody(ticket);
+    });
+    if (!prepared || !validateOrStop(lumoName)) {
+        return;
+    }
+    LUMO_DEBUG(L"Going to send request to server");
+    auto answer = json::value::object();
+    m_lastResponse = sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
+    if (m_lastResponse.httpStatusCode != status_codes::Created) {
+        return;
+    }
+    if (answer.is_null()) {
+        LUMO_ERROR(L"Answer form the server is null");
+        return;
+    }
+    m_createdTicketId = Utils::jsonText(Utils::member(answer, U("id")));
+    LUMO_INFO(L"Returning created ticket ID: " << m_createdTicketId);
+}

@@ -1,0 +1,31 @@
+#include "VantryApi.h"
+
+namespace VantryIntegrationApi
+{
+CVantryApi::CVantryApi()
+{
+    m_lastResponse = {0, L""};
+}
+
+void CVantryApi::setEndPoint(const std::wstring& endPoint)
+{
+    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::setEndPoint");
+    LUMO_INFO(L"Endpoing: " << endPoint);
+    m_endPoint = endPoint;
+}
+
+void CVantryApi::setCredentials(const std::wstring& userName, const std::wstring& password)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::setCredentials");
+    m_userName = userName;
+    m_password = password;
+}
+
+void CVantryApi::setValidateCertificateCallback(ValidateCertificateCallback callback)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::setValidateCertificateCallback");
+    m_certificateValidator = nullptr; // what the host held in the old one goes before the new one comes
+    // a copy: the argument lives, and ends, apart from the member
+    m_certificateValidator = callback; // NOLINT(performance-unnecessary-value-param)
+}
+} // namespace VantryIntegrationApi

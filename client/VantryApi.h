@@ -1,0 +1,146 @@
+/// @file
+/// The client of the help-desk server.
+#pragma once
+
+#include "LumoLogging.h"
+#include "TAVIKVANTRYAPI.h"
+
+#include <cpprest/http_client.h>
+
+#include <functional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace VantryIntegrationApi
+{
+/// Logged at error level when an answer does not carry the code of success.
+extern const std::wstring g_requestErrorText;
+
+/// Statuses that are the library's own, not the server's.
+constexpr int requestFailedStatus = 600;
+constexpr int certificateRefusedStatus = 601;
+
+/// The one client of the process. Operations write their outcome into the members that the getters return; no
+/// lock guards them, see the threading note of the public header.
+class CVantryApi
+{
+public:
+    CVantryApi();
+    /// Leaves the certificate to the system: the object lives until the module unloads.
+    ~CVantryApi() = default;
+    CVantryApi(const CVantryApi&) = delete;
+    CVantryApi(CVantryApi&&) = delete;
+    CVantryApi& operator=(const CVantryApi&) = delete;
+    CVantryApi& operator=(CVantryApi&&) = delete;
+
+    void setEndPoint(const std::wstring& endPoint);
+    void setCredentials(const std::wstring& userName, const std::wstring& password);
+    void setValidateCertificateCallback(ValidateCertificateCallback callback);
+
+    void setHWND(HWND hwnd)
+    {
+        const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::setHWND");
+        m_hwnd = hwnd;
+    }
+
+    const ResponseStatus& GetLastResponse() const
+    {
+        const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::GetLastResponse");
+        return m_lastResponse;
+    }
+
+    const std::wstring& GetCreatedTicketID() const
+    {
+        const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::GetCreatedTicketID");
+        return m_createdTicketId;
+    }
+
+    const std::vector<TicketListEntry>& GetTicketList() const
+    {
+        const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::GetTicketList");
+        return m_ticketList;
+    }
+
+    // Each runs its operation here if no window is set, else on a thread of its own.
+    void wrpSaveTechNote(const TechNote& techNote);
+    void wrpSaveAttachment(const Attachment& attachment);
+    void wrpCreateSession();
+    void wrpCloseSession();
+    void wrpRequestTicketList(const std::wstring& entityId, VantryType type);
+    void wrpCreateTicket(const TicketCreationInformation& ticket);
+
+    /// One JSON exchange with the endpoint; `body` is sent with POST and PUT only.
+    /// @throws whatever the HTTP and JSON libraries throw
+    ResponseStatus unsafe_sendRequest(const web::uri& requestUri, const std::wstring& method,
+                                      const web::json::value& body, web::json::value& result);
+
+    /// Logger of everything but the exports.
+    static log4cxx::LoggerPtr m_logger;
+
+private:
+    using ResponseReader = std::function<pplx::task<web::json::value>(web::http::http_response&)>;
+
+    /// Both texts come from the server together and are sent back together.
+    struct SessionData
+    {
+        std::wstring m_sessionKey;
+        std::wstring m_sessionCookie;
+    };
+
+    template <typename... Parameters>
+    void dispatch(const char* name, void (CVantryApi::*operation)(Parameters...),
+                  const std::decay_t<Parameters>&... arguments);
+
+    void saveTechNote(const TechNote& techNote);
+    void saveAttachment(const Attachment& attachment);
+    void createSession();
+    void closeSession();
+    void requestTicketList(const std::wstring& entityId, VantryType type);
+    void createTicket(const TicketCreationInformation& ticket);
+
+    ResponseStatus unsafe_sendRequest_CreateSession(const web::uri& requestUri);
+    ResponseStatus unsafe_sendRequest_CloseSession(const web::uri& requestUri);
+    ResponseStatus unsafe_sendRequest_UploadAttachment(const web::uri& requestUri,
+                                                       const Attachment& attachment);
+
+    ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
+                                                     web::json::value& result);
+    ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
+                                                     const web::json::value& body, web::json::value& result);
+
+    /// Sends `request` to `base` through a client of its own and waits for the answer's JSON value, which
+    /// goes into `result`. Returns the answer's status code and reason phrase.
+    ResponseStatus exchange(const wchar_t* caller, const web::uri& base,
+                            const web::http::http_request& request, const ResponseReader& reader,
+                            web::json::value& result);
+
+    void LogUsedUrl(std::wstring url, std::wstring operation) const;
+
+    /// Runs a step that prepares the request. A standard exception ends the operation: it is logged, becomes
+    /// the last response (600), and the answer is false.
+    bool prepare(const wchar_t* operation, const std::function<void()>& step);
+
+    /// Whether the server's certificate lets the operation go on; says so in the log if not.
+    bool validateOrStop(const wchar_t* operation);
+
+    web::http::client::http_client_config getClientConfig(bool validate);
+    bool validateCertificateRequest();
+    void SaveCertificateLocally(const CERT_CONTEXT& certificate);
+    bool ValidateCertificate();
+
+    void appendTicket(const web::json::value& ticket);
+
+    PCCERT_CONTEXT m_pVantryCertContext = nullptr;
+    ValidateCertificateCallback m_certificateValidator;
+    std::wstring m_endPoint;
+    std::wstring m_userName;
+    std::wstring m_password;
+    HWND m_hwnd = nullptr;
+    ResponseStatus m_lastResponse;
+    std::wstring m_createdTicketId;
+    std::wstring m_lastSavedTechNoteId;
+    SessionData m_session;
+    std::vector<TicketListEntry> m_ticketList;
+};
+} // namespace VantryIntegrationApi
