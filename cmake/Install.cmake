@@ -19,6 +19,6 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake DESTINATION ${package_config_dir})
 install(FILES api/TAVIKVANTRYAPI.h ${platform_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-if(MINGW)
+if(MINGW AND TARGET vantry-console-host)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
 endif()

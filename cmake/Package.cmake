@@ -1,14 +1,5 @@
 # The ZIP for host developers: `cmake --build --preset windows-release --target package`.
 
-# Debug symbols go into a file of their own, which debuggers find beside the DLL.
-add_custom_command(
-  TARGET TAVIKVANTRYAPI
-  POST_BUILD
-  COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:TAVIKVANTRYAPI> $<TARGET_FILE:TAVIKVANTRYAPI>.debug
-  COMMAND ${CMAKE_OBJCOPY} --strip-debug --add-gnu-debuglink=$<TARGET_FILE:TAVIKVANTRYAPI>.debug
-          $<TARGET_FILE:TAVIKVANTRYAPI>
-  COMMENT "Moving the debug symbols of TAVIKVANTRYAPI.dll into TAVIKVANTRYAPI.dll.debug"
-  VERBATIM)
 install(FILES $<TARGET_FILE:TAVIKVANTRYAPI>.debug DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(FILES ${PROJECT_BINARY_DIR}/api/TAVIKVANTRYAPI.def DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -1,9 +1,11 @@
 #include "CertificateHook.h"
 
+#include "Module.h"
 #include "ModuleRelease.h"
 
 #include <winhttp.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -13,29 +15,31 @@ using Platform::CertificateHook;
 
 namespace
 {
-struct Watched
-{
-    std::shared_ptr<CertificateHook> hook; // empty: no interest in the certificate
-    WINHTTP_STATUS_CALLBACK next = nullptr;
-    HINSTANCE module = nullptr;
-};
+using SharedHook = std::shared_ptr<CertificateHook>;
 
-std::mutex watchedMutex;
-std::map<HINTERNET, Watched> watchedRequests;
+/// The REST SDK's own callback, the same for all of its requests.
+std::atomic<WINHTTP_STATUS_CALLBACK> sdkCallback = nullptr;
+
+/// Hooks of the requests whose certificate is wanted. WinHTTP gives a handle's value to a new request before
+/// it has told that the old one is closed: so an entry lasts until the value is used again, and nothing else
+/// hangs on it.
+std::mutex hooksMutex;
+std::map<HINTERNET, SharedHook> hooks;
 
 /// How long WinHTTP's thread has for the way out of our code after its last callback. There is no notice of
 /// that moment to wait for; a thread needs microseconds.
 constexpr LONGLONG releaseDelay = -250LL * 10'000; // 250 ms, relative, in units of 100 ns
 
-void CALLBACK releaseModule(PTP_CALLBACK_INSTANCE instance, PVOID module, PTP_TIMER timer)
+void CALLBACK releaseModule(PTP_CALLBACK_INSTANCE instance, PVOID /*context*/, PTP_TIMER timer)
 {
-    FreeLibraryWhenCallbackReturns(instance, static_cast<HINSTANCE>(module));
+    FreeLibraryWhenCallbackReturns(instance, Platform::moduleHandle());
     CloseThreadpoolTimer(timer);
 }
 
-void releaseModuleSoon(HINSTANCE module)
+/// Gives back the reference that a request held.
+void releaseModuleSoon()
 {
-    auto* timer = CreateThreadpoolTimer(&releaseModule, module, nullptr);
+    auto* timer = CreateThreadpoolTimer(&releaseModule, nullptr, nullptr);
     if (timer == nullptr) { // ERROR_NOT_ENOUGH_MEMORY: the module stays loaded, which is the safe side
         return;
     }
@@ -61,18 +65,21 @@ void showLeaf(HINTERNET request, const CertificateHook& hook)
     hook(*certificate);
 }
 
-Watched findWatched(HINTERNET request, bool forget)
+SharedHook hookOf(HINTERNET request)
 {
-    const std::lock_guard lock(watchedMutex);
-    const auto found = watchedRequests.find(request);
-    if (found == watchedRequests.end()) {
-        return {};
+    const std::lock_guard lock(hooksMutex);
+    const auto found = hooks.find(request);
+    return found == hooks.end() ? nullptr : found->second;
+}
+
+void setHook(HINTERNET request, const SharedHook& hook)
+{
+    const std::lock_guard lock(hooksMutex);
+    if (hook) {
+        hooks[request] = hook;
+    } else {
+        hooks.erase(request);
     }
-    auto watched = found->second;
-    if (forget) {
-        watchedRequests.erase(found);
-    }
-    return watched;
 }
 
 /// Stands before the REST SDK's own callback on each request handle. noexcept: no exception may pass through
@@ -80,16 +87,14 @@ Watched findWatched(HINTERNET request, bool forget)
 void CALLBACK requestStatus(HINTERNET request, DWORD_PTR context, DWORD status, LPVOID information,
                             DWORD length) noexcept
 {
-    const bool closing = status == WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING;
-    const auto watched = findWatched(request, closing);
-    if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST && watched.hook) {
-        showLeaf(request, *watched.hook);
+    if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST) {
+        if (const auto hook = hookOf(request)) {
+            showLeaf(request, *hook);
+        }
     }
-    if (watched.next != nullptr) {
-        watched.next(request, context, status, information, length);
-    }
-    if (closing && watched.module != nullptr) {
-        releaseModuleSoon(watched.module);
+    sdkCallback.load()(request, context, status, information, length);
+    if (status == WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING) {
+        releaseModuleSoon();
     }
 }
 
@@ -104,27 +109,26 @@ void silenceConnection(HINTERNET request)
     }
 }
 
-void watch(HINTERNET request, const std::shared_ptr<CertificateHook>& hook)
+void watch(HINTERNET request, const SharedHook& hook)
 {
     // What the REST SDK asked for at the session; it still needs all of it.
     constexpr DWORD flags = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
                             WINHTTP_CALLBACK_FLAG_REDIRECT;
-    const std::lock_guard lock(watchedMutex);
-    auto& watched = watchedRequests[request];
-    watched.hook = hook;
-    watched.next = WinHttpSetStatusCallback(request, &requestStatus, flags, 0);
-    if (watched.next == WINHTTP_INVALID_STATUS_CALLBACK) {
+    setHook(request, hook);
+    // No notification comes before the request is sent, which is after this.
+    auto* const previous = WinHttpSetStatusCallback(request, &requestStatus, flags, 0);
+    if (previous == WINHTTP_INVALID_STATUS_CALLBACK) {
         // ERROR_WINHTTP_INCORRECT_HANDLE_TYPE, ERROR_WINHTTP_INTERNAL_ERROR, ERROR_NOT_ENOUGH_MEMORY
-        const auto error = static_cast<int>(GetLastError());
-        watchedRequests.erase(request);
-        throw std::system_error(error, std::system_category(), "WinHttpSetStatusCallback");
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                                "WinHttpSetStatusCallback");
     }
-    watched.module = Platform::holdModule();
+    sdkCallback = previous;
+    Platform::holdModule();
     silenceConnection(request);
 }
 
-void watchRequests(web::http::client::http_client_config& config, std::shared_ptr<CertificateHook> hook)
+void watchRequests(web::http::client::http_client_config& config, SharedHook hook)
 {
     config.set_nativehandle_options([hook = std::move(hook)](web::http::client::native_handle request) {
         watch(static_cast<HINTERNET>(request), hook);

@@ -1,0 +1,170 @@
+/// @file
+/// A host that knows the library by its file name alone and unloads it right after use.
+#include "platform/PlatformSupport.h"
+#include "platform/TestWindow.h"
+#include "support/Sandbox.h"
+
+#include <gtest/gtest.h>
+
+#include <tlhelp32.h>
+
+#include <chrono>
+#include <iostream>
+#include <optional>
+#include <thread>
+
+namespace
+{
+using namespace std::chrono_literals;
+
+constexpr const wchar_t* fileName = L"TAVIKVANTRYAPI.dll";
+
+/// The library, loaded by name and called through the names of its exports.
+class LoadedLibrary
+{
+public:
+    LoadedLibrary() : m_module(LoadLibraryW(fileName)) { EXPECT_NE(m_module, nullptr) << GetLastError(); }
+    ~LoadedLibrary() { FreeLibrary(m_module); }
+    LoadedLibrary(const LoadedLibrary&) = delete;
+    LoadedLibrary& operator=(const LoadedLibrary&) = delete;
+
+    template <typename Function>
+    Function* find(const char* name) const
+    {
+        auto* const address = GetProcAddress(m_module, name);
+        EXPECT_NE(address, nullptr) << name;
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(address));
+    }
+
+private:
+    HMODULE m_module;
+};
+
+/// The declaration gives the type alone: a use of the function would import it and keep the library loaded.
+#define CALL(library, name) (library).find<decltype(name)>(#name)
+
+bool moduleIsGone()
+{
+    return GetModuleHandleW(fileName) == nullptr;
+}
+
+/// The library gives itself back a little later than the host does.
+bool waitUntilModuleIsGone()
+{
+    for (const auto end = std::chrono::steady_clock::now() + 10s; std::chrono::steady_clock::now() < end;) {
+        if (moduleIsGone()) {
+            return true;
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+    return false;
+}
+
+unsigned countThreads()
+{
+    const auto snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    unsigned threads = 0;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof(entry);
+    for (auto more = Thread32First(snapshot, &entry); more != FALSE; more = Thread32Next(snapshot, &entry)) {
+        threads += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    }
+    CloseHandle(snapshot);
+    return threads;
+}
+
+/// Asks for each possible handle: not every system implements the call that counts them.
+unsigned countHandles()
+{
+    unsigned handles = 0;
+    for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
+        DWORD flags = 0;
+        handles += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE ? 1 : 0;
+    }
+    return handles;
+}
+
+class UnloadTest : public testing::TestWithParam<bool>
+{
+protected:
+    UnloadTest() { trustAuthority(sandbox.authorityFile, sandbox.get("/ca.der")); }
+
+    /// One life of the library: load, configure, open a session, unload at once.
+    void loadUseAndUnload()
+    {
+        const LoadedLibrary library;
+        EXPECT_EQ(CALL(library, GetLastResponse)().httpStatusCode, 0) << "not a fresh client";
+        configure(library);
+        if (GetParam()) {
+            CALL(library, SetHWND)(window.handle());
+        }
+        CALL(library, CreateSession)();
+        if (GetParam()) {
+            const auto message = window.next(30s);
+            ASSERT_TRUE(message);
+            EXPECT_EQ(message->message, WM_ASYNC_REQUEST_FINISHED);
+        }
+        EXPECT_EQ(CALL(library, GetLastResponse)().httpStatusCode, 200);
+    }
+
+    void configure(const LoadedLibrary& library)
+    {
+        CALL(library, SetEndPoint)(sandbox.https);
+        CALL(library, SetCredentials)(sandbox.user, sandbox.password);
+        CALL(library, SetValidateCertificateCallback)([this](const CERT_CONTEXT&) {
+            ++asked;
+            return true;
+        });
+    }
+
+    Sandbox sandbox;
+    TestWindow window;
+    int asked = 0;
+};
+
+TEST_P(UnloadTest, TwoHundredLivesOfTheLibraryLeaveNothingBehind)
+{
+    constexpr int warmUp = 20;
+    constexpr int rounds = 200;
+    unsigned threads = 0;
+    unsigned handles = 0;
+    for (int round = 0; round < warmUp + rounds; ++round) {
+        if (round == warmUp) {
+            threads = countThreads();
+            handles = countHandles();
+        }
+        ASSERT_NO_FATAL_FAILURE(loadUseAndUnload()) << "round " << round;
+        ASSERT_TRUE(waitUntilModuleIsGone()) << "round " << round;
+    }
+    EXPECT_EQ(asked, warmUp + rounds);
+    EXPECT_GT(handles, 0U);
+    EXPECT_LE(countThreads(), threads + 2);
+    EXPECT_LE(countHandles(), handles + 10);
+    std::cout << rounds << " rounds; threads " << threads << " -> " << countThreads() << ", handles " << handles
+              << " -> " << countHandles() << '\n';
+}
+
+INSTANTIATE_TEST_SUITE_P(Mode, UnloadTest, testing::Bool(),
+                         [](const auto& info) { return info.param ? "Asynchronous" : "Synchronous"; });
+
+using UnloadWhileRunningTest = UnloadTest;
+
+TEST_P(UnloadWhileRunningTest, AnOperationInFlightKeepsTheModuleUntilItHasPostedItsMessage)
+{
+    for (int round = 0; round < 5; ++round) {
+        sandbox.plan(Answer(200, R"({"sessionKey":"k"})").to("/helpdesk/rest/Session").after(300));
+        {
+            const LoadedLibrary library;
+            configure(library);
+            CALL(library, SetHWND)(window.handle());
+            CALL(library, CreateSession)();
+        }
+        EXPECT_FALSE(moduleIsGone());
+        EXPECT_TRUE(window.next(30s));
+        ASSERT_TRUE(waitUntilModuleIsGone());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Mode, UnloadWhileRunningTest, testing::Values(true),
+                         [](const auto& /*info*/) { return "Asynchronous"; });
+} // namespace
