@@ -111,7 +111,8 @@ protected:
     {
         CALL(library, SetEndPoint)(sandbox.https);
         CALL(library, SetCredentials)(sandbox.user, sandbox.password);
-        CALL(library, SetValidateCertificateCallback)([this](const CERT_CONTEXT&) {
+        CALL(library, SetValidateCertificateCallback)
+        ([this](const CERT_CONTEXT&) {
             ++asked;
             return true;
         });
@@ -140,8 +141,8 @@ TEST_P(UnloadTest, TwoHundredLivesOfTheLibraryLeaveNothingBehind)
     EXPECT_GT(handles, 0U);
     EXPECT_LE(countThreads(), threads + 2);
     EXPECT_LE(countHandles(), handles + 10);
-    std::cout << rounds << " rounds; threads " << threads << " -> " << countThreads() << ", handles " << handles
-              << " -> " << countHandles() << '\n';
+    std::cout << rounds << " rounds; threads " << threads << " -> " << countThreads() << ", handles "
+              << handles << " -> " << countHandles() << '\n';
 }
 
 INSTANTIATE_TEST_SUITE_P(Mode, UnloadTest, testing::Bool(),

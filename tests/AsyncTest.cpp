@@ -1,0 +1,242 @@
+// Operations on a thread of their own: the message, the copies, the order.
+#include "platform/TestWindow.h"
+#include "support/VantryTest.h"
+
+#include <log4cxx/consoleappender.h>
+#include <log4cxx/patternlayout.h>
+
+#include <future>
+
+using namespace Trace;
+using namespace std::chrono_literals;
+
+namespace
+{
+const std::wstring guardEnd = L"~SignalAsyncRequestFinishedWrapper exiting.";
+
+class Asynchronous : public VantryTest
+{
+protected:
+    Asynchronous()
+    {
+        SetHWND(window.handle());
+        log.clear();
+    }
+
+    ~Asynchronous() override { EXPECT_FALSE(window.next(100ms)) << "a message too many"; }
+
+    /// Waits for the message of the operation under way and for its thread's last line, if it logs one.
+    void finish(TestWindow& expected, bool traced = true)
+    {
+        const auto message = expected.next(20s);
+        ASSERT_TRUE(message) << "no message";
+        EXPECT_EQ(message->message, 0x8100U);
+        EXPECT_EQ(message->wParam, 0U);
+        EXPECT_EQ(message->lParam, 0);
+        if (traced) {
+            ASSERT_TRUE(log.waitFor(guardEnd));
+        }
+    }
+
+    TestWindow window;
+};
+
+class EveryAsynchronous : public Asynchronous, public testing::WithParamInterface<Operation>
+{};
+} // namespace
+
+TEST_P(EveryAsynchronous, OneMessageFollowsTheResult)
+{
+    const auto& call = GetParam();
+    sandbox.plan(Answer(418, R"({"a":1})").after(300));
+    const auto start = std::chrono::steady_clock::now();
+    call.start();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 250ms) << "the export waited";
+    finish(window);
+    EXPECT_EQ(GetLastResponse().httpStatusCode, 418);
+}
+
+TEST_P(EveryAsynchronous, ARefusedCertificateIsAnnouncedToo)
+{
+    useHttps();
+    SetValidateCertificateCallback([](const CERT_CONTEXT&) { return false; });
+    GetParam().start();
+    finish(window);
+    expectStatus(601, certificateRefusedText);
+}
+
+INSTANTIATE_TEST_SUITE_P(Call, EveryAsynchronous, testing::ValuesIn(operations()), nameOfParameter);
+
+TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)
+{
+    const std::string body = R"({"id":1001})";
+    sandbox.plan(Answer(201, body));
+    const auto& call = operation(L"CreateTicket");
+    call.start();
+    finish(window);
+    const auto self = std::this_thread::get_id();
+    EXPECT_TRUE(same(asynchronousHost(call), log.texts([self](auto thread) { return thread == self; })));
+    EXPECT_TRUE(
+        same(worker(call, prepared(call, sandbox.http + call.path) + validated(call, notSecured()) +
+                              sent(call,
+                                   {{},
+                                    jsonAnswer(L"201. HTTP Status message: Created", body.size()),
+                                    {info(api + L"unsafe_sendRequest; Server's response: " + wide(body))},
+                                    {}},
+                                   L"201", L"Created") +
+                              Lines{info(api + L"createTicket; Returning created ticket ID: 1001")}),
+             log.texts([self](auto thread) { return thread != self; })));
+}
+
+/// The host's record is overwritten as soon as the worker runs, before it has read anything.
+TEST_F(Asynchronous, TheHostMayReuseItsNoteAtOnce)
+{
+    TechNote note{L"1", L"mine", 5, true};
+    log.onLine(L"::saveTechNote entering.", [&] { note = {L"2", L"other", 6, false}; });
+    SaveTechNote(note);
+    finish(window);
+    EXPECT_EQ(
+        sandbox.onlyRequest().body,
+        R"({"isHidden":false,"jobticket":{"id":"1","type":"JobTicket"},"noteText":"mine","workTime":"5"})");
+}
+
+TEST_F(Asynchronous, TheHostMayReuseItsFileAtOnce)
+{
+    Attachment attachment{"mine", L"mine.txt"};
+    log.onLine(L"::saveAttachment entering.", [&] { attachment = {"other", L"other.txt"}; });
+    SaveAttachment(attachment);
+    finish(window);
+    const auto body = sandbox.onlyRequest().body;
+    EXPECT_NE(body.find("mine.txt"), std::string::npos);
+    EXPECT_NE(body.find("\r\n\r\nmine\r\n"), std::string::npos);
+}
+
+TEST_F(Asynchronous, TheHostMayReuseItsTicketAtOnce)
+{
+    TicketCreationInformation ticket{L"1", Client, L"mine", L"my text"};
+    log.onLine(L"::createTicket entering.", [&] { ticket = {L"2", Asset, L"other", L"text"}; });
+    CreateTicket(ticket);
+    finish(window);
+    EXPECT_EQ(sandbox.onlyRequest().body,
+              R"({"clientReporter":{"id":"1","type":"Client"},"detail":"my text","subject":"mine"})");
+}
+
+TEST_F(Asynchronous, TheHostMayReuseItsIdentifierAtOnce)
+{
+    std::wstring identifier = L"1";
+    log.onLine(L"::requestTicketList entering.", [&] { identifier = L"2"; });
+    RequestTicketList(identifier, Client);
+    finish(window);
+    EXPECT_NE(sandbox.onlyRequest().target.find("(clientId=1)"), std::string::npos);
+}
+
+namespace
+{
+/// Holds the worker at a line of info level while the host reads the getters, which log nothing then.
+class WhileRunning : public Asynchronous
+{
+protected:
+    void start(const Operation& call, const std::wstring& heldAt)
+    {
+        CapturedLog::setLevel(log4cxx::Level::getInfo());
+        log.onLine(heldAt, [this] {
+            reached.set_value();
+            released.get_future().wait();
+        });
+        call.start();
+        reached.get_future().wait();
+    }
+
+    void finishHeld()
+    {
+        released.set_value();
+        finish(window, false);
+    }
+
+    std::promise<void> reached;
+    std::promise<void> released;
+};
+} // namespace
+
+TEST_F(WhileRunning, ATicketUnderWayHasNoOutcomeYet)
+{
+    sandbox.plan(Answer(201, R"({"id":7})"));
+    operation(L"CreateTicket").start();
+    finish(window);
+    EXPECT_EQ(GetCreatedTicketID(), L"7");
+    start(operation(L"CreateTicket"), operation(L"CreateTicket").path);
+    expectStatus(-1, L"Internal Error: Object wasn't initialized.");
+    EXPECT_EQ(GetCreatedTicketID(), L"");
+    finishHeld();
+    expectStatus(201, L"Created");
+}
+
+TEST_F(WhileRunning, AnyOtherCallUnderWayLeavesTheLastOutcome)
+{
+    sandbox.plan(Answer(418, "{}"));
+    CreateSession();
+    finish(window);
+    start(operation(L"SaveTechNote"), operation(L"SaveTechNote").path);
+    EXPECT_EQ(GetLastResponse().httpStatusCode, 418);
+    finishHeld();
+    EXPECT_NE(GetLastResponse().httpStatusCode, 418);
+}
+
+TEST_F(WhileRunning, APlainConnectionCountsAs200WithTheOldTextUntilTheAnswerComes)
+{
+    sandbox.plan(Answer(418, "{}"));
+    CreateSession();
+    finish(window);
+    const auto text = GetLastResponse().errorMessage;
+    EXPECT_NE(text, L"OK");
+    start(operation(L"SaveTechNote"), L"; We are sending request with method: POST");
+    expectStatus(200, text);
+    finishHeld();
+}
+
+TEST_F(Asynchronous, ACallAnnouncesItsEndToTheWindowItWasStartedWith)
+{
+    TestWindow other;
+    CapturedLog::setLevel(log4cxx::Level::getInfo());
+    log.onLine(operation(L"CreateSession").path, [&] { SetHWND(other.handle()); });
+    CreateSession();
+    finish(window, false);
+    EXPECT_FALSE(other.next(100ms));
+    CreateSession();
+    finish(other, false);
+}
+
+TEST_F(Asynchronous, WithoutAWindowCallsAreSynchronousAgainAndAnnounceNothing)
+{
+    SetHWND(nullptr);
+    for (const auto& call : operations()) {
+        call.start();
+    }
+    EXPECT_EQ(log.with(L"Sync. ").size(), operations().size());
+    EXPECT_TRUE(log.with(L"Sending signal").empty());
+    EXPECT_FALSE(window.next(200ms));
+}
+
+/// What a process does whose asynchronous list meets a text member that is no text.
+TEST(AsynchronousDeathTest, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto listAndDie = [] {
+        const Sandbox sandbox;
+        TestWindow window;
+        const auto console = std::make_shared<log4cxx::ConsoleAppender>(
+            std::make_shared<log4cxx::PatternLayout>(LOG4CXX_STR("%m%n")),
+            log4cxx::ConsoleAppender::getSystemErr());
+        const auto logger = log4cxx::Logger::getLogger(L"CVantryApi");
+        logger->setAdditivity(false);
+        logger->addAppender(console);
+        logger->setLevel(log4cxx::Level::getInfo());
+        sandbox.plan(Answer(200, R"([{"id":1,"shortSubject":3}])"));
+        SetEndPoint(sandbox.http);
+        SetHWND(window.handle());
+        RequestTicketList(L"42", Client);
+        std::this_thread::sleep_for(20s);
+        std::_Exit(0); // still alive
+    };
+    EXPECT_DEATH(listAndDie(), "Sending signal async request finished.");
+}

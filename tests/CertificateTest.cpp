@@ -1,0 +1,233 @@
+// Who is asked whether to trust the server, with what, on which thread, and what the answer does.
+#include "platform/TestWindow.h"
+#include "support/VantryTest.h"
+
+#include <stdexcept>
+
+using namespace Trace;
+
+namespace
+{
+class UnknownAuthority : public VantryTest
+{
+protected:
+    UnknownAuthority() { SetEndPoint(sandbox.https); }
+
+    /// Registers a callback that answers `trusted` and counts.
+    void answerWith(bool trusted)
+    {
+        SetValidateCertificateCallback([this, trusted](const CERT_CONTEXT& certificate) {
+            ++asked;
+            askedOn = std::this_thread::get_id();
+            seen.assign(certificate.pbCertEncoded, certificate.pbCertEncoded + certificate.cbCertEncoded);
+            encoding = certificate.dwCertEncodingType;
+            sentWhenAsked = sandbox.requests().size();
+            return trusted;
+        });
+        log.clear();
+    }
+
+    int asked = 0;
+    std::thread::id askedOn;
+    std::string seen;
+    DWORD encoding = 0;
+    std::size_t sentWhenAsked = 99;
+};
+
+class Certificate : public UnknownAuthority
+{
+protected:
+    Certificate() { useHttps(); }
+};
+
+class EveryCertificate : public Certificate, public testing::WithParamInterface<Operation>
+{};
+
+const std::wstring validation = api + L"validateCertificateRequest; ";
+} // namespace
+
+TEST_F(Certificate, TheHostSeesTheServersOwnCertificateBeforeAnythingIsSent)
+{
+    answerWith(true);
+    CreateSession();
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(askedOn, std::this_thread::get_id());
+    EXPECT_EQ(sentWhenAsked, 0U);
+    EXPECT_TRUE(seen == sandbox.get("/leaf.der"));
+    EXPECT_EQ(encoding & X509_ASN_ENCODING, X509_ASN_ENCODING);
+    EXPECT_TRUE(sandbox.onlyRequest().secure);
+    expectStatus(200, L"OK");
+}
+
+TEST_P(EveryCertificate, ARefusalSendsNothingAndLeaves601)
+{
+    answerWith(false);
+    const auto& call = GetParam();
+    call.start();
+    const auto texts = log.texts();
+    expectStatus(601, certificateRefusedText);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(sandbox.probes(), 1U);
+    EXPECT_TRUE(sandbox.requests().empty());
+    const auto refusal = probe(baseOf(sandbox.https),
+                               scope(api + L"ValidateCertificate") +
+                                   Lines{info(validation + L"Certificate validation wasn't successful.")} +
+                                   scope(utils + L"LoadStringW"));
+    EXPECT_TRUE(
+        same(synchronous(call, prepared(call, sandbox.https + call.path) + refused(call, refusal)), texts));
+}
+
+TEST_P(EveryCertificate, EveryCallProbesAndAsksAgain)
+{
+    answerWith(true);
+    GetParam().start();
+    GetParam().start();
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(sandbox.probes(), 2U);
+    EXPECT_EQ(sandbox.requests().size(), 2U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Call, EveryCertificate, testing::ValuesIn(operations()), nameOfParameter);
+
+TEST_F(UnknownAuthority, FailsBeforeTheHostIsAsked)
+{
+    answerWith(true);
+    CreateSession();
+    const auto self = std::this_thread::get_id();
+    const auto texts = log.texts([self](auto thread) { return thread == self; });
+    const auto& status = GetLastResponse();
+    EXPECT_EQ(status.httpStatusCode, 600);
+    EXPECT_FALSE(status.errorMessage.empty());
+    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(sandbox.probes(), 0U);
+    EXPECT_TRUE(sandbox.requests().empty());
+    const Lines tail{fatal(validation + L"http_exception happened: \u2026"),
+                     error(validation + L"Certificate validation wasn't successful."),
+                     fatal(validation + L"Error Code: \u2026; Message: " + status.errorMessage),
+                     trace(api + L"validateCertificateRequest exiting.")};
+    EXPECT_TRUE(same(tail, excerpt(texts, L"http_exception happened", 4)));
+}
+
+TEST_F(Certificate, AServerThatIsNotThereFailsInTheProbe)
+{
+    answerWith(true);
+    SetEndPoint(L"https://localhost:1/helpdesk/rest");
+    log.clear();
+    CreateSession();
+    const auto texts = log.texts();
+    const auto& status = GetLastResponse();
+    EXPECT_EQ(status.httpStatusCode, 600);
+    EXPECT_EQ(asked, 0);
+    const auto name = api + L"validateCertificateRequest";
+    const auto config = api + L"getClientConfig";
+    const auto& call = operation(L"CreateSession");
+    const auto failed = scope(
+        name,
+        scope(utils + L"getSchemeIpAsUrl") +
+            scope(config,
+                  {debug(config + L"; This is secure connection. Setting validation of certificates.")}) +
+            Lines{info(validation + L"Used url: https://localhost:1/"),
+                  debug(validation + L"Going to run task and get results."),
+                  fatal(validation + L"http_exception happened: \u2026"),
+                  error(validation + L"Certificate validation wasn't successful."),
+                  fatal(validation + L"Error Code: \u2026; Message: " + status.errorMessage)});
+    EXPECT_TRUE(same(synchronous(call, prepared(call, L"https://localhost:1/helpdesk/rest" + call.path) +
+                                           refused(call, failed)),
+                     texts));
+}
+
+TEST_F(Certificate, AnExceptionOfTheCallbackCountsAsARefusal)
+{
+    SetValidateCertificateCallback(
+        [](const CERT_CONTEXT&) -> bool { throw std::runtime_error("no screen"); });
+    log.clear();
+    CreateSession();
+    const auto self = std::this_thread::get_id();
+    const auto texts = log.texts([self](auto thread) { return thread == self; });
+    expectStatus(601, certificateRefusedText);
+    EXPECT_TRUE(sandbox.requests().empty());
+    EXPECT_TRUE(same(Lines{fatal(validation + L"std::exception happened: no screen"),
+                           error(validation + L"Certificate validation wasn't successful.")} +
+                         scope(utils + L"LoadStringW") +
+                         Lines{trace(api + L"validateCertificateRequest exiting.")},
+                     excerpt(texts, L"std::exception happened", 5)));
+}
+
+TEST_F(Certificate, WhatTheProbeAnswersDoesNotDecide)
+{
+    for (const bool trusted : {true, false}) {
+        ResponseStatus whenAsked;
+        SetValidateCertificateCallback([&](const CERT_CONTEXT&) {
+            CapturedLog::setLevel(log4cxx::Level::getOff());
+            whenAsked = GetLastResponse();
+            return trusted;
+        });
+        sandbox.plan(Answer(404, "", "").to("/"));
+        CreateSession();
+        EXPECT_EQ(whenAsked.httpStatusCode, 404);
+        EXPECT_EQ(whenAsked.errorMessage, L"Not Found");
+        expectStatus(trusted ? 200 : 601, trusted ? L"OK" : certificateRefusedText);
+    }
+}
+
+TEST_F(Certificate, TheRequestItselfIsSentWithoutValidation)
+{
+    SetValidateCertificateCallback([this](const CERT_CONTEXT&) {
+        distrustAuthority(sandbox.get("/ca.der"));
+        return true;
+    });
+    CreateSession();
+    expectStatus(200, L"OK");
+}
+
+TEST_F(Certificate, AnEmptyCallbackTrustsTheServer)
+{
+    answerWith(false);
+    SetValidateCertificateCallback({});
+    CreateSession();
+    expectStatus(200, L"OK");
+    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(sandbox.probes(), 1U);
+}
+
+TEST_F(Certificate, APlainConnectionIsNeitherProbedNorAskedAbout)
+{
+    answerWith(false);
+    SetEndPoint(sandbox.http);
+    CreateSession();
+    expectStatus(200, L"OK");
+    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(sandbox.probes(), 0U);
+}
+
+TEST_F(Certificate, ASchemeInCapitalsCountsAsPlain)
+{
+    answerWith(false);
+    SetEndPoint(L"HTTPS" + sandbox.https.substr(5));
+    CreateSession();
+    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(sandbox.probes(), 0U);
+    EXPECT_EQ(
+        log.with(info(validation + L"Connection is not secured. Skipping certificate validation.")).size(),
+        1U);
+    EXPECT_TRUE(sandbox.onlyRequest().secure);
+    expectStatus(200, L"OK");
+}
+
+TEST_F(Certificate, WithAWindowTheHostIsAskedOnTheWorkersThread)
+{
+    TestWindow window;
+    answerWith(true);
+    SetHWND(window.handle());
+    CreateSession();
+    ASSERT_TRUE(window.next(std::chrono::seconds(20)));
+    ASSERT_TRUE(log.waitFor(L"~SignalAsyncRequestFinishedWrapper exiting."));
+    SetHWND(nullptr);
+    expectStatus(200, L"OK");
+    EXPECT_NE(askedOn, std::this_thread::get_id());
+    for (const auto& line : log.lines()) {
+        if (line.text == trace(api + L"createSession entering.")) {
+            EXPECT_EQ(line.thread, askedOn);
+        }
+    }
+}

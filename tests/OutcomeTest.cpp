@@ -1,0 +1,355 @@
+// What the host reads back: statuses, texts and results, kept, cleared or left.
+#include "support/VantryTest.h"
+
+#include <chrono>
+
+using namespace Trace;
+
+namespace
+{
+class Outcome : public VantryTest
+{
+protected:
+    /// Fails with 600 and the text that the fatal line `prefix` gives.
+    void expectFailureLoggedAs(const std::wstring& prefix)
+    {
+        EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
+        EXPECT_FALSE(GetLastResponse().errorMessage.empty());
+        EXPECT_EQ(log.with(fatal(prefix + GetLastResponse().errorMessage)).size(), 1U);
+    }
+
+    /// The entity that an upload names: the note saved last.
+    std::string savedNote()
+    {
+        sandbox.forgetRequests();
+        SaveAttachment({});
+        const auto target = sandbox.onlyRequest().target;
+        return target.substr(target.find("entityId=") + 9);
+    }
+
+    /// "key cookie" as closing the session sends them.
+    std::string session()
+    {
+        sandbox.forgetRequests();
+        CloseSession();
+        const auto request = sandbox.onlyRequest();
+        const auto cookie = request.headers.find("Cookie");
+        return request.target.substr(request.target.find('=') + 1) + " " +
+               (cookie == request.headers.end() ? "" : cookie->second);
+    }
+};
+
+struct Body
+{
+    std::string type;
+    std::string body;
+    bool traced;
+    int code;
+    std::size_t tickets;
+    Lines lines; ///< what reading the answer logs, without its first two lines
+};
+
+class AnswerBody : public Outcome, public testing::WithParamInterface<Body>
+{};
+
+const std::wstring reader = utils + L"handleResponse";
+const std::wstring tryJson = info(reader + L"; Trying to extract json");
+const std::wstring tryText = debug(reader + L"; Trying to get the string, and error message from server.");
+const std::wstring parseText = debug(reader + L"; Trying to create json value from string.");
+const std::wstring tryBody = trace(reader + L"; Try to log content of body returned from server.");
+const std::wstring noDetail =
+    info(reader + L"; Unfortunately server's response doesn't contain any detail "
+                  L"information. See http status code and phrase. Returning empy json::value.");
+
+std::wstring bodyLine(const std::wstring& body)
+{
+    return info(reader + L"; " + body);
+}
+
+const std::vector<Body> bodies{
+    {"application/json", R"([{"id":1}])", true, 200, 1, {tryJson}},
+    {"application/json;charset=utf-8", R"([{"id":1}])", true, 200, 1, {tryJson}},
+    {"application/json", "{no json", true, 600, 0, {tryJson}},
+    {"text/plain", R"([{"id":1}])", true, 200, 1, {tryText, bodyLine(LR"([{"id":1}])"), parseText}},
+    {"text/plain; charset=utf-8", R"(["é"])", true, 200, 1, {tryText, bodyLine(L"[\"\u00E9\"]"), parseText}},
+    {"text/html",
+     "<p>Sorry</p>",
+     true,
+     600,
+     0,
+     {tryText, bodyLine(L"<p>Sorry</p>"), parseText, fatal(reader + L"; …")}},
+    {"application/x-text", R"([{"id":1}])", true, 600, 0, {tryText, fatal(reader + L"; …")}},
+    {"application/octet-stream",
+     R"([{"id":1}])",
+     true,
+     200,
+     0,
+     {tryBody, trace(LR"(Full server response: [{"id":1}])"), noDetail}},
+    {"application/octet-stream", R"([{"id":1}])", false, 200, 0, {noDetail}},
+    {"Application/JSON", R"([{"id":1}])", false, 200, 0, {noDetail}},
+    {"TEXT/plain", R"([{"id":1}])", false, 200, 0, {noDetail}},
+    {"", "", false, 200, 0, {noDetail}},
+    {"", "", true, 200, 0, {tryBody, trace(L"Full server response: "), noDetail}},
+};
+} // namespace
+
+TEST_P(AnswerBody, IsReadByItsContentTypeAlone)
+{
+    const auto& row = GetParam();
+    CapturedLog::setLevel(row.traced ? log4cxx::Level::getTrace() : log4cxx::Level::getDebug());
+    sandbox.plan(Answer(200, row.body, row.type));
+    RequestTicketList(L"42", Client);
+
+    EXPECT_EQ(GetLastResponse().httpStatusCode, row.code);
+    EXPECT_EQ(GetTicketList().size(), row.tickets);
+    const Lines head{info(reader + L"; HTTP Status code: 200. HTTP Status message: OK"),
+                     debug(reader + L"; Server returned content-type: " + wide(row.type) +
+                           L" Content-Length: " + std::to_wstring(row.body.size()))};
+    const auto read = row.traced ? scope(reader, head + row.lines) : head + row.lines;
+    auto lines = log.with(reader);
+    const auto full = log.with(L"Full server response: ");
+    if (!full.empty()) {
+        lines.insert(lines.begin() + 4, full.front());
+    }
+    EXPECT_TRUE(same(read, lines));
+    if (row.code == 600 && row.type != "application/x-text") {
+        expectFailureLoggedAs(utils + L"safe_CallMethod; json_exception happened: ");
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Type, AnswerBody, testing::ValuesIn(bodies));
+
+TEST_F(Outcome, AnErrorAnswerKeepsTheServersCodeAndReason)
+{
+    for (const auto& [code, reason] :
+         {std::pair{404, "Nowhere to be found"}, {500, ""}, {503, "\u00DCberlastet"}}) {
+        const std::string head = "HTTP/1.1 " + std::to_string(code) + " " + reason;
+        sandbox.plan(Answer::bytes(
+            head + "\r\nContent-Type: application/json\r\nContent-Length: 13\r\n\r\n{\"error\":\"e\"}"));
+        CreateSession();
+        EXPECT_EQ(GetLastResponse().httpStatusCode, code);
+    }
+    sandbox.plan(Answer::bytes("HTTP/1.1 404 Nowhere to be found\r\nContent-Length: 0\r\n\r\n"));
+    CreateSession();
+    expectStatus(404, L"Nowhere to be found");
+}
+
+TEST_F(Outcome, ATextualErrorPageHidesTheServersCode)
+{
+    sandbox.plan(Answer(500, "Internal failure", "text/plain"));
+    CreateSession();
+    expectFailureLoggedAs(utils + L"safe_CallMethod; json_exception happened: ");
+    expectFailureLoggedAs(reader + L"; ");
+}
+
+TEST_F(Outcome, AnAnswerCutShortFails)
+{
+    for (const int bytes : {0, 10, 120}) {
+        SCOPED_TRACE(bytes);
+        log.clear();
+        sandbox.plan(Answer(200, std::string(1000, ' ') + R"({"sessionKey":"new"})").cutAfter(bytes));
+        CreateSession();
+        EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
+        EXPECT_FALSE(log.with(L"FATAL CVantryApi " + utils + L"safe_CallMethod; ").empty());
+    }
+    EXPECT_EQ(session(), " ");
+}
+
+TEST_F(Outcome, ABodyOfNoUseIsReadForTheTraceAloneAndMayBeBroken)
+{
+    const auto broken = Answer::bytes("HTTP/1.1 200 Fine\r\nContent-Type: application/octet-stream\r\n"
+                                      "Content-Length: 100\r\n\r\nshort");
+    for (const bool traced : {false, true}) {
+        CapturedLog::setLevel(traced ? log4cxx::Level::getTrace() : log4cxx::Level::getDebug());
+        sandbox.plan(broken);
+        CreateSession();
+        EXPECT_EQ(log.with(L"WARN CVantryApi ").size(), traced && reportsShortBodies() ? 1U : 0U);
+        expectStatus(200, L"Fine");
+    }
+}
+
+TEST_F(Outcome, ASynchronousCallWaitsForASlowAnswer)
+{
+    const auto start = std::chrono::steady_clock::now();
+    sandbox.plan(Answer(200, "[]").after(700));
+    RequestTicketList(L"42", Client);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
+    expectStatus(200, L"OK");
+}
+
+TEST_F(Outcome, TheSessionIsWhatTheLastAnswerWithABodySaid)
+{
+    struct Row
+    {
+        Answer answer;
+        std::string session;
+    };
+    const auto raw = [](const std::string& cookies, const std::string& body) {
+        return Answer::bytes("HTTP/1.1 200 OK\r\n" + cookies +
+                             "Content-Type: application/json\r\nContent-Length: " +
+                             std::to_string(body.size()) + "\r\n\r\n" + body);
+    };
+    const std::string key = R"({"sessionKey":"k"})";
+    const std::vector<Row> table{
+        {raw("Set-Cookie: X=1; Path=/\r\n", R"({"sessionKey":"abc"})"), "abc X=1"},
+        {Answer(200, "", ""), "abc X=1"},                                           // no body: left
+        {Answer(200, "null").header("Set-Cookie", "Y=2; Path=/"), "abc X=1"},       // nor a null one
+        {Answer(200, "{broken").header("Set-Cookie", "Y=2; Path=/"), "abc X=1"},    // nor an unreadable one
+        {raw("Set-Cookie: Y=2\r\n", key), "abc X=1"},                               // no attribute: an error
+        {Answer(401, R"({"sessionKey":5})").header("Set-Cookie", "Y=2;"), "5 Y=2"}, // whatever the code
+        {raw("", key), "k "},                                                       // no cookie: emptied
+        {raw("Set-Cookie: A=1; Path=/\r\nSet-Cookie: B=2; Path=/\r\n", key), "k A=1"},
+        {raw("set-cookie: C=3; Path=/\r\n", key), "k "}, // the name counts letter by letter
+        {raw("Set-Cookie: ;\r\n", R"({"a":1})"), "null "},
+        {raw("Set-Cookie: D=4;E=5;\r\n", R"([1])"), "null D=4"}};
+    for (std::size_t row = 0; row < table.size(); ++row) {
+        SCOPED_TRACE("row " + std::to_string(row));
+        sandbox.plan(table[row].answer);
+        CreateSession();
+        EXPECT_EQ(session(), table[row].session);
+    }
+}
+
+TEST_F(Outcome, ACookieWithoutAnAttributeFailsWithTheGeneralText)
+{
+    sandbox.plan(Answer(200, R"({"sessionKey":"k"})").header("Set-Cookie", "X=1"));
+    CreateSession();
+    const auto texts = log.texts();
+    expectStatus(600, requestFailedText);
+    EXPECT_TRUE(
+        same(Lines{fatal(utils + L"safe_CallMethod; std::exception happened: \u2026")} +
+                 scope(utils + L"LoadStringW") +
+                 Lines{info(utils +
+                            L"safe_CallMethod; Returnting ResponseStatus information with such values. "
+                            L"HttpStatusCode: 600 Error Message: " +
+                            requestFailedText)},
+             excerpt(texts, L"std::exception happened", 4)));
+}
+
+TEST_F(Outcome, TheServersBodyIsLoggedAsItCame)
+{
+    sandbox.plan(Answer(200, R"({"a":1})").header("Set-Cookie", "X=1;"));
+    CreateSession();
+    EXPECT_EQ(log.with(LR"(Server's response: {"a":1})").size(), 1U);
+    EXPECT_EQ(log.with(L"Session id is: null Cookie id is: X=1").size(), 1U);
+}
+
+TEST_F(Outcome, TheNoteIsKeptReplacedOrForgotten)
+{
+    struct Row
+    {
+        Answer answer;
+        std::string note;
+    };
+    const std::vector<Row> table{{Answer(201, R"({"id":7})"), "7"},   {Answer(200, R"({"id":8})"), ""},
+                                 {Answer(201, R"({"a":9})"), "null"}, {Answer(201, "", ""), "null"},
+                                 {Answer(201, R"([1])"), "null"},     {Answer(201, R"({"id":10})"), "10"},
+                                 {Answer(500, R"({"id":11})"), ""}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(narrow(log.texts().empty() ? L"" : log.texts().back()));
+        sandbox.plan(row.answer);
+        SaveTechNote({});
+        EXPECT_EQ(savedNote(), row.note);
+    }
+}
+
+TEST_F(Outcome, TheTicketsIdIsTheServersText)
+{
+    struct Row
+    {
+        Answer answer;
+        std::wstring id;
+    };
+    const std::vector<Row> table{
+        {Answer(201, R"({"id":77})"), L"77"}, {Answer(201, R"({"id":"77"})"), L"\"77\""},
+        {Answer(200, R"({"id":78})"), L""},   {Answer(201, R"({"a":1})"), L"null"},
+        {Answer(201, "", ""), L""},           {Answer(201, R"("text")"), L"null"},
+        {Answer(400, R"({"id":79})"), L""}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(narrow(row.id));
+        sandbox.plan(row.answer);
+        CreateTicket({});
+        EXPECT_EQ(GetCreatedTicketID(), row.id);
+    }
+}
+
+TEST_F(Outcome, TicketsAreListedByTheirMembers)
+{
+    sandbox.plan(Answer(200, R"([
+        {"id":1001,"shortSubject":"Subject é","shortDetail":"Detail","displayClient":"Client","other":"x"},
+        {"id":"1001","shortSubject":null,"ShortDetail":"no","displayClient":""},
+        {"id":null},
+        {"unknown":1}])"));
+    RequestTicketList(L"42", Client);
+    const auto& list = GetTicketList();
+    ASSERT_EQ(list.size(), 4U);
+    const std::vector<std::vector<std::wstring>> expected{{L"1001", L"Subject \u00E9", L"Detail", L"Client"},
+                                                          {L"\"1001\"", L"", L"", L""},
+                                                          {L"", L"", L"", L""},
+                                                          {L"", L"", L"", L""}};
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        EXPECT_EQ((std::vector{list[i].id, list[i].name, list[i].detail, list[i].clientName}), expected[i]);
+    }
+    EXPECT_EQ(log.with(L"INFO CVantryApi We received: 4 tickets.").size(), 1U);
+}
+
+TEST_F(Outcome, AListIsEmptiedByEveryRequest)
+{
+    for (const auto& [code, body] : {std::pair{201, R"([{"id":1}])"},
+                                     {204, ""},
+                                     {200, "{}"},
+                                     {200, "null"},
+                                     {200, "[]"},
+                                     {600, "broken"}}) {
+        SCOPED_TRACE(body);
+        sandbox.plan(Answer(200, R"([{"id":1},{"id":2}])"));
+        RequestTicketList(L"42", Client);
+        EXPECT_EQ(GetTicketList().size(), 2U);
+        sandbox.plan(Answer(code == 600 ? 200 : code, body));
+        RequestTicketList(L"42", Client);
+        EXPECT_TRUE(GetTicketList().empty());
+        EXPECT_EQ(GetLastResponse().httpStatusCode, code);
+    }
+    EXPECT_EQ(log.with(L"INFO CVantryApi We received: 0 tickets.").size(), 1U);
+}
+
+TEST_F(Outcome, ATextOfATicketThatIsNoTextLeavesAsAnException)
+{
+    sandbox.plan(Answer(200, R"([{"id":1},{"id":2,"shortSubject":3},{"id":4}])"));
+    EXPECT_THROW(RequestTicketList(L"42", Client), web::json::json_exception);
+    EXPECT_EQ(log.texts().back(), trace(api + L"wrpRequestTicketList exiting."));
+    ASSERT_EQ(GetTicketList().size(), 1U);
+    EXPECT_EQ(GetTicketList().front().id, L"1");
+}
+
+TEST_F(Outcome, AReasonAgainstAnUploadIsNeverReportedAs200)
+{
+    struct Row
+    {
+        int sent;
+        std::string body;
+        int code;
+        std::wstring message;
+        bool complains;
+    };
+    const std::vector<Row> table{{200, R"({"reason":"Too big"})", 417, L"\"Too big\"", true},
+                                 {201, R"({"reason":"Too big"})", 201, L"\"Too big\"", false},
+                                 {400, R"({"reason":"Too big"})", 400, L"\"Too big\"", true},
+                                 {200, R"({"reason":7})", 417, L"7", true},
+                                 {200, R"({"reason":null})", 200, L"OK", true},
+                                 {200, R"([1])", 200, L"OK", true},
+                                 {201, R"({"id":1})", 201, L"Created", false},
+                                 {200, "null", 200, L"OK", true}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.body);
+        log.clear();
+        sandbox.plan(Answer(row.sent, row.body));
+        SaveAttachment({});
+        expectStatus(row.code, row.message);
+        EXPECT_EQ(log.with(error(api + L"saveAttachment; " + failure)).size(), row.complains ? 1U : 0U);
+        const bool named =
+            row.body.find("Too big") != std::string::npos || row.body.find('7') != std::string::npos;
+        EXPECT_EQ(log.with(error(api + L"unsafe_sendRequest_UploadAttachment; " + row.message)).size(),
+                  named ? 1U : 0U);
+    }
+}

@@ -1,0 +1,21 @@
+/// @file
+/// What the suite needs of the platform besides a window.
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Makes this process trust the sandbox's certificate authority. Call it before the first TLS connection.
+void trustAuthority(const std::string& pemFile, const std::string& der);
+
+/// Takes that trust back for connections to come.
+void distrustAuthority(const std::string& der);
+
+/// Whether the HTTP stack takes a body that ends before its Content-Length for an error.
+bool reportsShortBodies();
+
+/// `text` in the calling thread's ANSI code page.
+std::string inThreadCodePage(const std::wstring& text);
+
+/// Wide text that is no text, one kind of fault each.
+std::vector<std::wstring> malformedTexts();

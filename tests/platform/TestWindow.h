@@ -1,0 +1,34 @@
+/// @file
+/// A host's window, whose messages the test thread takes one by one.
+#pragma once
+
+#include "TAVIKVANTRYAPI.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+struct PostedMessage
+{
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+};
+
+class TestWindow
+{
+public:
+    TestWindow();
+    ~TestWindow();
+    TestWindow(const TestWindow&) = delete;
+    TestWindow& operator=(const TestWindow&) = delete;
+
+    HWND handle() const;
+
+    /// The next message that was posted to the window; nothing if none comes within the limit.
+    std::optional<PostedMessage> next(std::chrono::milliseconds limit);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};

@@ -1,0 +1,72 @@
+#include "PlatformSupport.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace
+{
+struct CloseStore
+{
+    void operator()(void* store) const { CertCloseStore(store, 0); }
+};
+
+std::unique_ptr<void, CloseStore> rootsOfUser()
+{
+    std::unique_ptr<void, CloseStore> store(
+        CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
+    if (!store) {
+        throw std::runtime_error("CertOpenStore failed with " + std::to_string(GetLastError()));
+    }
+    return store;
+}
+
+PCCERT_CONTEXT addedTo(HCERTSTORE store, const std::string& der)
+{
+    PCCERT_CONTEXT added = nullptr;
+    if (CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()),
+                                         static_cast<DWORD>(der.size()), CERT_STORE_ADD_REPLACE_EXISTING,
+                                         &added) == 0) {
+        throw std::runtime_error("CertAddEncodedCertificateToStore failed with " +
+                                 std::to_string(GetLastError()));
+    }
+    return added;
+}
+} // namespace
+
+void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
+{
+    CertFreeCertificateContext(addedTo(rootsOfUser().get(), der));
+}
+
+// Deleting frees the context. Wine forgets the deletion: there this takes nothing back.
+void distrustAuthority(const std::string& der)
+{
+    const auto store = rootsOfUser();
+    CertDeleteCertificateFromStore(addedTo(store.get(), der));
+}
+
+// WinHTTP's reading ends with what there is, at least in Wine.
+bool reportsShortBodies()
+{
+    return false;
+}
+
+std::string inThreadCodePage(const std::wstring& text)
+{
+    const auto length = static_cast<int>(text.size());
+    std::string bytes(static_cast<std::size_t>(WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length,
+                                                                   nullptr, 0, nullptr, nullptr)),
+                      '\0');
+    WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, bytes.data(), static_cast<int>(bytes.size()),
+                        nullptr, nullptr);
+    return bytes;
+}
+
+std::vector<std::wstring> malformedTexts()
+{
+    return {{L'a', static_cast<wchar_t>(0xD800)}, {static_cast<wchar_t>(0xDC00), L'a'}};
+}

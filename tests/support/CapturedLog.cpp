@@ -1,0 +1,150 @@
+#include "support/CapturedLog.h"
+
+#include "support/Text.h"
+
+#include <log4cxx/appenderskeleton.h>
+#include <log4cxx/spi/loggingevent.h>
+
+#include <algorithm>
+#include <chrono>
+#include <mutex>
+
+namespace
+{
+bool endsWith(const std::wstring& text, const std::wstring& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+std::vector<log4cxx::LoggerPtr> loggers()
+{
+    return {log4cxx::Logger::getLogger(L"TAVIKVANTRYAPI"), log4cxx::Logger::getLogger(L"CVantryApi")};
+}
+} // namespace
+
+namespace log4cxx // its macros look names up from here
+{
+class CapturingAppender : public AppenderSkeleton
+{
+public:
+    DECLARE_LOG4CXX_OBJECT(CapturingAppender)
+    BEGIN_LOG4CXX_CAST_MAP()
+    LOG4CXX_CAST_ENTRY(CapturingAppender)
+    LOG4CXX_CAST_ENTRY_CHAIN(AppenderSkeleton)
+    END_LOG4CXX_CAST_MAP()
+
+    void close() override {}
+    bool requiresLayout() const override { return false; }
+
+    std::mutex mutex;
+    std::vector<LogLine> lines;
+    std::vector<std::pair<std::wstring, std::function<void()>>> actions;
+
+protected:
+    void append(const spi::LoggingEventPtr& event, helpers::Pool& /*pool*/) override
+    {
+        const auto message = wide(event->getRenderedMessage());
+        const auto& location = event->getLocationInformation();
+        std::vector<std::function<void()>> due;
+        {
+            const std::lock_guard lock(mutex);
+            lines.push_back(
+                {wide(event->getLevel()->toString()) + L" " + wide(event->getLoggerName()) + L" " + message,
+                 location.getFileName(), location.getLineNumber(), std::this_thread::get_id()});
+            for (const auto& [end, action] : actions) {
+                if (endsWith(message, end)) {
+                    due.push_back(action);
+                }
+            }
+        }
+        for (const auto& action : due) {
+            action();
+        }
+    }
+};
+IMPLEMENT_LOG4CXX_OBJECT(CapturingAppender)
+} // namespace log4cxx
+
+CapturedLog::CapturedLog() : m_appender(std::make_shared<log4cxx::CapturingAppender>())
+{
+    for (const auto& logger : loggers()) {
+        logger->setAdditivity(false);
+        logger->addAppender(m_appender);
+    }
+    setLevel(log4cxx::Level::getTrace());
+}
+
+CapturedLog::~CapturedLog()
+{
+    for (const auto& logger : loggers()) {
+        logger->removeAppender(m_appender);
+        logger->setLevel(log4cxx::Level::getOff());
+    }
+}
+
+void CapturedLog::setLevel(const log4cxx::LevelPtr& level)
+{
+    for (const auto& logger : loggers()) {
+        logger->setLevel(level);
+    }
+}
+
+void CapturedLog::onLine(const std::wstring& end, std::function<void()> action)
+{
+    const std::lock_guard lock(m_appender->mutex);
+    m_appender->actions.emplace_back(end, std::move(action));
+}
+
+void CapturedLog::clear()
+{
+    const std::lock_guard lock(m_appender->mutex);
+    m_appender->lines.clear();
+}
+
+std::vector<LogLine> CapturedLog::lines() const
+{
+    const std::lock_guard lock(m_appender->mutex);
+    return m_appender->lines;
+}
+
+std::vector<std::wstring> CapturedLog::texts(const std::function<bool(std::thread::id)>& wanted) const
+{
+    auto sorted = lines();
+    for (auto line = sorted.begin(); line != sorted.end(); ++line) {
+        if (line->text.find(L"; Going to run task") != std::wstring::npos) {
+            auto first = line;
+            while (first != sorted.begin() && std::prev(first)->thread != line->thread) {
+                --first;
+            }
+            std::rotate(first, line, std::next(line));
+        }
+    }
+    std::vector<std::wstring> result;
+    for (const auto& line : sorted) {
+        if (wanted(line.thread)) {
+            result.push_back(line.text);
+        }
+    }
+    return result;
+}
+
+std::vector<std::wstring> CapturedLog::with(const std::wstring& part) const
+{
+    auto found = texts();
+    found.erase(std::remove_if(found.begin(), found.end(),
+                               [&](const auto& text) { return text.find(part) == std::wstring::npos; }),
+                found.end());
+    return found;
+}
+
+bool CapturedLog::waitFor(const std::wstring& end) const
+{
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const auto now = lines();
+        if (std::any_of(now.begin(), now.end(), [&](const auto& line) { return endsWith(line.text, end); })) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}

@@ -1,0 +1,26 @@
+/// @file
+/// The six operations as a host calls them, each with records of its own.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+struct Operation
+{
+    std::wstring exportName;
+    std::wstring member;
+    std::wstring hostLine; ///< what the export logs
+    int success;           ///< the code that counts as success
+    std::wstring path;     ///< what the masked URL holds behind the endpoint when nothing was saved before
+    std::wstring exchange; ///< the member that sends
+    std::wstring method;   ///< as the JSON exchange logs it
+    std::wstring data;
+    void (*start)();
+};
+
+const std::vector<Operation>& operations();
+const Operation& operation(const std::wstring& exportName);
+
+/// Names an instance of a test over the operations.
+std::ostream& operator<<(std::ostream& out, const Operation& operation);

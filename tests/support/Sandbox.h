@@ -1,0 +1,77 @@
+/// @file
+/// The stand-in server that every test has for itself, seen through its control interface.
+#pragma once
+
+#include <cpprest/http_client.h>
+#include <cpprest/json.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+/// A request as its bytes arrived. `headers` leaves out what belongs to the connection (Host and the like).
+struct Request
+{
+    bool secure;
+    std::string method;
+    std::string target;
+    std::map<std::string, std::string> headers;
+    std::string body;
+};
+
+/// An answer that replaces the sandbox's own, once.
+class Answer
+{
+public:
+    /// No content type: no header of that name.
+    explicit Answer(int status, const std::string& body = "",
+                    const std::string& contentType = "application/json");
+
+    Answer& to(const std::string& path); ///< only for requests of this path
+    Answer& header(const std::string& name, const std::string& value);
+    Answer& after(int milliseconds);
+    Answer& cutAfter(int bytes);
+
+    /// Exactly these bytes.
+    static Answer bytes(const std::string& raw);
+
+    const web::json::value& plan() const { return m_plan; }
+
+private:
+    web::json::value m_plan = web::json::value::object();
+};
+
+class Sandbox
+{
+public:
+    Sandbox();
+
+    const std::wstring http; ///< the endpoints
+    const std::wstring https;
+    const std::wstring user;
+    const std::wstring password;
+    const std::string authorityFile;
+
+    /// The requests so far, without the certificate probes ("GET /").
+    std::vector<Request> requests() const;
+    std::size_t probes() const;
+
+    /// The only request so far but for probes; an empty one, and a failure of the test, if there is another
+    /// number.
+    Request onlyRequest() const;
+    void forgetRequests() const;
+
+    void plan(const Answer& answer) const;
+    void reset() const;
+
+    web::json::value state() const;
+    /// The body of GET `path` on the control interface.
+    std::string get(const std::string& path) const;
+
+private:
+    std::vector<Request> allRequests() const;
+    web::http::http_response control(const web::http::method& method, const std::string& path,
+                                     const web::json::value& body = {}) const;
+
+    mutable web::http::client::http_client m_control;
+};

@@ -1,0 +1,22 @@
+/// @file
+/// Text between the library's wide form and UTF-8, that of the wire and of log4cxx on some platforms.
+#pragma once
+
+#include <boost/locale/encoding_utf.hpp>
+
+#include <string>
+
+inline std::wstring wide(const std::string& utf8)
+{
+    return boost::locale::conv::utf_to_utf<wchar_t>(utf8);
+}
+
+inline std::wstring wide(const std::wstring& text)
+{
+    return text;
+}
+
+inline std::string narrow(const std::wstring& text)
+{
+    return boost::locale::conv::utf_to_utf<char>(text);
+}

@@ -1,0 +1,63 @@
+/// @file
+/// The fixture of every test that talks to the library.
+#pragma once
+
+#include "platform/PlatformSupport.h"
+#include "support/CapturedLog.h"
+#include "support/Operations.h"
+#include "support/Sandbox.h"
+#include "support/Text.h"
+#include "support/Trace.h"
+
+#include "TAVIKVANTRYAPI.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+/// Everything of the test's own process is fresh: the library, the sandbox, its certificates.
+class VantryTest : public testing::Test
+{
+protected:
+    VantryTest()
+    {
+        SetEndPoint(sandbox.http);
+        SetCredentials(sandbox.user, sandbox.password);
+        log.clear();
+    }
+
+    void useHttps()
+    {
+        trustAuthority(sandbox.authorityFile, sandbox.get("/ca.der"));
+        SetEndPoint(sandbox.https);
+        log.clear();
+    }
+
+    /// Scheme, host and port of the endpoint.
+    static std::wstring baseOf(const std::wstring& endPoint)
+    {
+        return endPoint.substr(0, endPoint.find(L'/', endPoint.find(L"://") + 3));
+    }
+
+    void expectStatus(int code, const std::wstring& message)
+    {
+        EXPECT_EQ(GetLastResponse().httpStatusCode, code);
+        EXPECT_EQ(GetLastResponse().errorMessage, message);
+    }
+
+    Sandbox sandbox;
+    CapturedLog log;
+};
+
+/// A test of each of the six operations.
+class EveryOperation : public VantryTest, public testing::WithParamInterface<Operation>
+{};
+
+inline std::string nameOfParameter(const testing::TestParamInfo<Operation>& info)
+{
+    return narrow(info.param.exportName);
+}
+
+constexpr const wchar_t* requestFailedText =
+    L"Error while sending a request to the Vantry server. See log files for more information.";
+constexpr const wchar_t* certificateRefusedText = L"Could not verify the Vantry certificate.";
