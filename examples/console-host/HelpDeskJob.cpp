@@ -1,0 +1,136 @@
+#include "HelpDeskJob.h"
+#include "Text.h"
+#include "TicketTable.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <numeric>
+#include <stdexcept>
+
+namespace
+{
+/// Every byte there is, once: what a text would not survive.
+Attachment makeSample()
+{
+    Attachment sample{std::string(256, '\0'), L"every byte.bin"};
+    std::iota(sample.data.begin(), sample.data.end(), '\0');
+    return sample;
+}
+
+Attachment readAttachment(const std::string& file)
+{
+    const auto path = std::filesystem::u8path(file);
+    std::ifstream in(path, std::ios::binary);
+    if (!std::filesystem::is_regular_file(path) || !in) {
+        throw std::runtime_error("cannot read the file " + file);
+    }
+    const std::string name = path.filename().u8string();
+    if (name.find('"') != std::string::npos) {
+        throw std::runtime_error(
+            "the file's name must not hold a double quote: the library does not escape it");
+    }
+    return {{std::istreambuf_iterator<char>(in), {}}, toWide(name)};
+}
+} // namespace
+
+HelpDeskJob::HelpDeskJob(const Options& options)
+    : m_ticket{toWide(options.client.empty() ? options.asset : options.client),
+               options.client.empty() ? VantryType::Asset : VantryType::Client, toWide(options.subject),
+               toWide(options.detail)},
+      m_note{L"", toWide(options.note), options.workTime, !options.isNoteHidden},
+      m_attachment(options.file.empty() ? makeSample() : readAttachment(options.file)),
+      m_certificateQuestion(options.certificate)
+{
+    SetEndPoint(toWide(options.endPoint));
+    SetCredentials(toWide(options.userName), toWide(options.password));
+    SetValidateCertificateCallback(
+        [this](const CERT_CONTEXT& certificate) { return m_certificateQuestion.isTrusted(certificate); });
+    if (options.isAsynchronous) {
+        m_window.emplace();
+        SetHWND(m_window->handle());
+    }
+}
+
+HelpDeskJob::~HelpDeskJob()
+{
+    SetHWND(nullptr);
+    SetValidateCertificateCallback({});
+}
+
+bool HelpDeskJob::run()
+{
+    if (!succeeds("open the session", 200, [] { CreateSession(); })) {
+        return false;
+    }
+    std::cout << "Session opened." << std::endl;
+    const bool isDone = createTicket() && saveNote() && attachFile() && listTickets();
+    const bool isClosed = succeeds("close the session", 200, [] { CloseSession(); });
+    if (isClosed) {
+        std::cout << "Session closed." << std::endl;
+    }
+    return isDone && isClosed;
+}
+
+bool HelpDeskJob::createTicket()
+{
+    if (!succeeds("create the ticket", 201, [this] { CreateTicket(m_ticket); })) {
+        return false;
+    }
+    m_note.jobTicketId = GetCreatedTicketID();
+    std::cout << "Ticket " << toTerminal(m_note.jobTicketId) << " created: " << toTerminal(m_ticket.subject)
+              << std::endl;
+    return true;
+}
+
+bool HelpDeskJob::saveNote()
+{
+    if (!succeeds("save the note", 201, [this] { SaveTechNote(m_note); })) {
+        return false;
+    }
+    std::cout << "Note saved: " << toTerminal(m_note.noteText) << std::endl;
+    return true;
+}
+
+bool HelpDeskJob::attachFile()
+{
+    if (!succeeds("attach the file", 201, [this] { SaveAttachment(m_attachment); })) {
+        return false;
+    }
+    std::cout << "File attached: " << toTerminal(m_attachment.fileName) << ", " << m_attachment.data.size()
+              << " bytes" << std::endl;
+    return true;
+}
+
+bool HelpDeskJob::listTickets()
+{
+    if (!succeeds("list the tickets", 200,
+                  [this] { RequestTicketList(m_ticket.entityId, m_ticket.entityType); })) {
+        return false;
+    }
+    const auto& tickets = GetTicketList();
+    std::cout << "Tickets of the " << (m_ticket.entityType == VantryType::Client ? "client " : "asset ")
+              << toTerminal(m_ticket.entityId) << ": " << tickets.size() << std::endl;
+    printTickets(std::cout, tickets);
+    std::cout << std::flush;
+    return true;
+}
+
+/// Runs one operation to its end. With a window its call returns at once, and the results may be read when
+/// the window has been told.
+bool HelpDeskJob::succeeds(const std::string& task, std::int32_t successCode,
+                           const std::function<void()>& operation)
+{
+    operation();
+    if (m_window) {
+        m_window->waitForOperation();
+    }
+    const ResponseStatus& response = GetLastResponse();
+    if (response.httpStatusCode == successCode) {
+        return true;
+    }
+    std::cerr << "Could not " << task << ": " << response.httpStatusCode << ' '
+              << toTerminal(response.errorMessage) << std::endl;
+    return false;
+}

@@ -1,0 +1,29 @@
+# shellcheck shell=bash
+# Sourced by the scripts that build, test and show the project; they work in its top folder.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# A source that the Windows target is built from cannot be had: the code with which scripts/setup-windows says so.
+# shellcheck disable=SC2034 # for the scripts that source this file
+readonly unavailable=69
+
+jobs=${VANTRY_JOBS:-$(nproc)}
+
+# step TITLE COMMAND...
+# Says what begins and how long it took; what the command prints is shown only if it fails, with its exit code.
+step() {
+    local title=$1 started=$SECONDS log code=0
+    mkdir -p build/log
+    log=build/log/$(tr --complement --squeeze-repeats 'A-Za-z0-9\n' '-' <<< "$title").log
+    echo "== $title ..."
+    "${@:2}" > "$log" 2>&1 || code=$?
+    if [ "$code" != 0 ]; then
+        tail --lines=60 "$log" >&2
+        echo "== $title: FAILED with exit code $code; the whole output is in $log" >&2
+        return "$code"
+    fi
+    echo "== $title: done in $((SECONDS - started)) s"
+}
+
+# build PRESET TARGET...
+build() { cmake --preset "$1" && cmake --build --preset "$1" --parallel "$jobs" --target "${@:2}"; }
