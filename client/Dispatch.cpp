@@ -16,7 +16,12 @@ void CVantryApi::dispatch(const char* name, void (CVantryApi::*operation)(Parame
     }
     LOG4CXX_TRACE(m_logger, "Async. " << name << "()");
     std::thread([this, operation, arguments..., module = Platform::ModuleReference()] {
-        (this->*operation)(arguments...);
+        try {
+            (this->*operation)(arguments...);
+        } catch (...) {
+            throw; // ends the process, but caught once, so that the stack is unwound and the window told
+                   // before
+        }
     }).detach();
 }
 

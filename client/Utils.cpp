@@ -5,6 +5,7 @@
 #include "VantryApi.h"
 #include "WindowsCalls.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
 #include <array>
@@ -41,7 +42,8 @@ std::wstring baseAddress(const uri& url)
 
 bool isSecureScheme(const std::wstring& url)
 {
-    return uri(toRestText(url)).scheme() == U("https");
+    // The library's URI has its scheme in small letters: as the host wrote it, it stands in the text alone.
+    return uri(toRestText(url)).scheme() == U("https") && boost::starts_with(url, L"https");
 }
 
 utility::string_t rawQueryText(const std::wstring& text)

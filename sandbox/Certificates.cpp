@@ -9,7 +9,9 @@
 
 #include <initializer_list>
 #include <memory>
+#include <random>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace sandbox
@@ -115,7 +117,10 @@ void sign(X509& certificate, X509& issuer, EVP_PKEY& issuerKey)
 
 Certificate createAuthority(EVP_PKEY& key)
 {
-    Certificate authority = createUnsigned("Vantry Sandbox CA", key);
+    // A name of its own, since systems look for an issuer by its name: one that still trusts an earlier
+    // sandbox's CA must not take it for this one.
+    Certificate authority =
+        createUnsigned("Vantry Sandbox CA " + std::to_string(std::random_device()()), key);
     addExtensions(*authority, *authority,
                   {{NID_basic_constraints, "critical,CA:TRUE"},
                    {NID_key_usage, "critical,keyCertSign,cRLSign"},

@@ -25,8 +25,8 @@ the command's exit code (128 + n when signal n ended it):
   VANTRY_SANDBOX_CA_FILE   VANTRY_SANDBOX_USER      VANTRY_SANDBOX_PASSWORD
 
 All ports are chosen by the system and open on 127.0.0.1 alone. Certificates are made afresh for each run:
-a CA (CN=Vantry Sandbox CA) and from it the server's certificate (CN=localhost), whose revocation list the
-control interface serves. Requests are limited to 64 KiB of headers and 64 MiB of body.
+a CA (CN=Vantry Sandbox CA and a number) and from it the server's certificate (CN=localhost), whose
+revocation list the control interface serves. Requests are limited to 64 KiB of headers and 64 MiB of body.
 
 REST RESOURCES, under the base path, the same on both REST ports
   USER stands for username=NAME&password=PASSWORD, percent-encoded; wrong or missing: 401. Errors are

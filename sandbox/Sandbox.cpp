@@ -2,6 +2,8 @@
 
 #include <boost/asio/buffer.hpp>
 
+#include <random>
+
 namespace sandbox
 {
 
@@ -13,6 +15,12 @@ namespace ssl = boost::asio::ssl;
 std::string address(const std::string& scheme, const Listener& listener)
 {
     return scheme + "://localhost:" + std::to_string(listener.port());
+}
+
+/// Never the same twice: a client may keep a list by its address, and ports come round again.
+std::string listAddress(const std::string& control)
+{
+    return control + "/crl.der?" + std::to_string(std::random_device()());
 }
 
 ssl::context createTls(const Certificates& certificates)
@@ -28,7 +36,7 @@ ssl::context createTls(const Certificates& certificates)
 
 Sandbox::Sandbox(boost::asio::io_context& context, const Options& options)
     : m_control(context), m_http(context), m_https(context),
-      m_certificates(createCertificates(address("http", m_control) + "/crl.der")),
+      m_certificates(createCertificates(listAddress(address("http", m_control)))),
       m_caFile(m_certificates.caPem, options.caFile), m_tls(createTls(m_certificates)), m_base(options.base),
       m_restService(m_state, {options.user, options.password}, options.base),
       m_controlService(m_state, m_certificates)
