@@ -15,7 +15,7 @@ class ModuleReference
 {
 public:
     ModuleReference();
-    ~ModuleReference();
+    ~ModuleReference(); // NOLINT(performance-trivially-destructible): on Windows it has work to do
     ModuleReference(ModuleReference&& other) noexcept;
     ModuleReference(const ModuleReference&) = delete;
     ModuleReference& operator=(const ModuleReference&) = delete;

@@ -1,6 +1,7 @@
 #include "Certificates.h"
 
 #include <openssl/bn.h>
+#include <openssl/ecdsa.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
@@ -33,6 +34,7 @@ struct Release
 using Key = std::unique_ptr<EVP_PKEY, Release<EVP_PKEY_free>>;
 using Certificate = std::unique_ptr<X509, Release<X509_free>>;
 using RevocationList = std::unique_ptr<X509_CRL, Release<X509_CRL_free>>;
+using Signature = std::unique_ptr<ECDSA_SIG, Release<ECDSA_SIG_free>>;
 using Extension = std::unique_ptr<X509_EXTENSION, Release<X509_EXTENSION_free>>;
 using Number = std::unique_ptr<BIGNUM, Release<BN_free>>;
 using Integer = std::unique_ptr<ASN1_INTEGER, Release<ASN1_INTEGER_free>>;
@@ -109,10 +111,43 @@ Certificate createUnsigned(const std::string& commonName, EVP_PKEY& key)
     return certificate;
 }
 
+void certificateSignature(const X509* certificate, const ASN1_BIT_STRING** signature)
+{
+    X509_get0_signature(signature, nullptr, certificate);
+}
+
+void listSignature(const X509_CRL* list, const ASN1_BIT_STRING** signature)
+{
+    X509_CRL_get0_signature(list, signature, nullptr);
+}
+
+/// Whether both numbers of an ECDSA signature are as long as the curve's: DER leaves out leading zeros, and
+/// Wine then takes the signature for a wrong one.
+bool hasFullLength(const ASN1_BIT_STRING& signature)
+{
+    constexpr int curveBytes = 32;
+    const auto* next = ASN1_STRING_get0_data(&signature);
+    const Signature numbers(d2i_ECDSA_SIG(nullptr, &next, ASN1_STRING_length(&signature)));
+    require(numbers != nullptr);
+    return BN_num_bytes(ECDSA_SIG_get0_r(numbers.get())) == curveBytes &&
+           BN_num_bytes(ECDSA_SIG_get0_s(numbers.get())) == curveBytes;
+}
+
+/// Signs with `Sign` until the signature, read with `Get`, has its full length: once, nearly always.
+template <auto Sign, auto Get, typename Object>
+void signFully(Object& object, EVP_PKEY& key)
+{
+    const ASN1_BIT_STRING* signature = nullptr;
+    do {
+        require(Sign(&object, &key, EVP_sha256()) > 0);
+        Get(&object, &signature);
+    } while (!hasFullLength(*signature));
+}
+
 void sign(X509& certificate, X509& issuer, EVP_PKEY& issuerKey)
 {
-    require(X509_set_issuer_name(&certificate, X509_get_subject_name(&issuer)) == 1 &&
-            X509_sign(&certificate, &issuerKey, EVP_sha256()) > 0);
+    require(X509_set_issuer_name(&certificate, X509_get_subject_name(&issuer)) == 1);
+    signFully<X509_sign, certificateSignature>(certificate, issuerKey);
 }
 
 Certificate createAuthority(EVP_PKEY& key)
@@ -157,8 +192,8 @@ RevocationList createRevocationList(X509& authority, EVP_PKEY& authorityKey)
     X509V3_set_ctx(&context, &authority, nullptr, nullptr, list.get(), 0);
     const Extension keyId = createExtension(context, NID_authority_key_identifier, "keyid:always");
     require(X509_CRL_add_ext(list.get(), keyId.get(), -1) == 1 &&
-            X509_CRL_add1_ext_i2d(list.get(), NID_crl_number, randomInteger().get(), 0, 0) == 1 &&
-            X509_CRL_sign(list.get(), &authorityKey, EVP_sha256()) > 0);
+            X509_CRL_add1_ext_i2d(list.get(), NID_crl_number, randomInteger().get(), 0, 0) == 1);
+    signFully<X509_CRL_sign, listSignature>(*list, authorityKey);
     return list;
 }
 

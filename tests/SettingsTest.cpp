@@ -1,6 +1,7 @@
 #include "support/VantryTest.h"
 
 #include <memory>
+#include <utility>
 
 using namespace Trace;
 
@@ -90,7 +91,7 @@ namespace
 /// Notes at every copy whether the callback before it has gone.
 struct Successor
 {
-    Successor(const std::weak_ptr<int>& watched, bool& note) : predecessor(watched), gone(note) {}
+    Successor(std::weak_ptr<int> watched, bool& note) : predecessor(std::move(watched)), gone(note) {}
     Successor(const Successor& other) : predecessor(other.predecessor), gone(other.gone)
     {
         gone = predecessor.expired();

@@ -12,7 +12,6 @@ HINSTANCE Platform::moduleHandle() noexcept
 
 Platform::ModuleReference::ModuleReference() : m_module(moduleHandle()) {}
 
-// NOLINTNEXTLINE(performance-trivially-destructible): it is not on every platform
 Platform::ModuleReference::~ModuleReference() = default;
 
 Platform::ModuleReference::ModuleReference(ModuleReference&& other) noexcept
