@@ -6,7 +6,7 @@ install(FILES ${PROJECT_BINARY_DIR}/api/TAVIKVANTRYAPI.def DESTINATION ${CMAKE_I
 install(PROGRAMS $<TARGET_FILE:vantry-console-host> DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY examples/console-host DESTINATION examples)
 install(
-  FILES docs/HOST-DEVELOPERS.md
+  FILES docs/for-hosts.md
   DESTINATION .
   RENAME README.md)
 
