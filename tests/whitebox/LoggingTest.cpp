@@ -10,7 +10,6 @@
 #include <stdexcept>
 
 using log4cxx::Level;
-using VantryIntegrationApi::CVantryApi;
 using VantryIntegrationApi::SignalAsyncRequestFinishedWrapper;
 using Texts = std::vector<std::wstring>;
 

@@ -53,8 +53,7 @@ TEST(GuardedCall, MapsWhateverIsThrown)
     const std::wstring general =
         L"Error while sending a request to the Vantry server. See log files for more information.";
     const std::wstring name = L"CVantryApi VantryIntegrationApi::Utils::safe_CallMethod; ";
-    const web::http::http_exception httpFault(5, "what");
-    const auto codeText = httpFault.error_code().message();
+    const auto codeText = web::http::http_exception(5, "what").error_code().message();
     struct Row
     {
         std::function<ResponseStatus()> method;
@@ -70,7 +69,7 @@ TEST(GuardedCall, MapsWhateverIsThrown)
          L"m",
          {}},
         {[] { return ResponseStatus{}; }, -1, L"Internal Error: Object wasn't initialized.", {}},
-        {[&]() -> ResponseStatus { throw httpFault; },
+        {[]() -> ResponseStatus { throw web::http::http_exception(5, "what"); },
          600,
          {codeText.begin(), codeText.end()},
          {L"http_exception happened: what",
