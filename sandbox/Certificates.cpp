@@ -17,10 +17,8 @@
 
 namespace sandbox
 {
-
 namespace
 {
-
 template <auto Free>
 struct Release
 {
@@ -43,9 +41,14 @@ using Memory = std::unique_ptr<BIO, Release<BIO_free>>;
 
 using ExtensionTexts = std::initializer_list<std::pair<int, std::string>>;
 
-constexpr int validDaysBefore = -1;
-constexpr int validDaysAhead = 30;
 constexpr int serialBits = 127;
+
+/// Days from today.
+struct Validity
+{
+    int begin = -1;
+    int end = 30;
+};
 
 void require(bool succeeded)
 {
@@ -95,15 +98,15 @@ void addExtensions(X509& subject, X509& issuer, ExtensionTexts extensions)
     }
 }
 
-Certificate createUnsigned(const std::string& commonName, EVP_PKEY& key)
+Certificate createUnsigned(const std::string& commonName, EVP_PKEY& key, Validity validity = {})
 {
     Certificate certificate(X509_new());
     require(certificate != nullptr);
     X509_NAME* subject = X509_get_subject_name(certificate.get());
     require(X509_set_version(certificate.get(), X509_VERSION_3) == 1 &&
             X509_set_serialNumber(certificate.get(), randomInteger().get()) == 1 &&
-            X509_set1_notBefore(certificate.get(), daysFromNow(validDaysBefore).get()) == 1 &&
-            X509_set1_notAfter(certificate.get(), daysFromNow(validDaysAhead).get()) == 1 &&
+            X509_set1_notBefore(certificate.get(), daysFromNow(validity.begin).get()) == 1 &&
+            X509_set1_notAfter(certificate.get(), daysFromNow(validity.end).get()) == 1 &&
             X509_set_pubkey(certificate.get(), &key) == 1 &&
             X509_NAME_add_entry_by_NID(subject, NID_commonName, MBSTRING_UTF8,
                                        reinterpret_cast<const unsigned char*>(commonName.data()),
@@ -165,18 +168,31 @@ Certificate createAuthority(EVP_PKEY& key)
     return authority;
 }
 
-Certificate createLeaf(EVP_PKEY& key, X509& authority, EVP_PKEY& authorityKey, const std::string& crlUrl)
+Validity validityOf(CertificateKind kind)
 {
-    Certificate leaf = createUnsigned("localhost", key);
-    addExtensions(*leaf, authority,
+    switch (kind) {
+    case CertificateKind::Expired:
+        return {-30, -1};
+    case CertificateKind::NotYetValid:
+        return {1, 30};
+    default:
+        return {};
+    }
+}
+
+/// A leaf that still has to be signed by `issuer`; without one by its own key.
+Certificate createLeaf(CertificateKind kind, EVP_PKEY& key, X509* issuer, const std::string& crlUrl)
+{
+    const std::string host = kind == CertificateKind::OtherHost ? "other.example" : "localhost";
+    Certificate leaf = createUnsigned(host, key, validityOf(kind));
+    addExtensions(*leaf, issuer != nullptr ? *issuer : *leaf,
                   {{NID_basic_constraints, "critical,CA:FALSE"},
                    {NID_key_usage, "critical,digitalSignature"},
                    {NID_ext_key_usage, "serverAuth"},
-                   {NID_subject_alt_name, "DNS:localhost"},
+                   {NID_subject_alt_name, "DNS:" + host},
                    {NID_crl_distribution_points, "URI:" + crlUrl},
                    {NID_subject_key_identifier, "hash"},
                    {NID_authority_key_identifier, "keyid:always"}});
-    sign(*leaf, authority, authorityKey);
     return leaf;
 }
 
@@ -186,8 +202,8 @@ RevocationList createRevocationList(X509& authority, EVP_PKEY& authorityKey)
     require(list != nullptr);
     require(X509_CRL_set_version(list.get(), X509_CRL_VERSION_2) == 1 &&
             X509_CRL_set_issuer_name(list.get(), X509_get_subject_name(&authority)) == 1 &&
-            X509_CRL_set1_lastUpdate(list.get(), daysFromNow(validDaysBefore).get()) == 1 &&
-            X509_CRL_set1_nextUpdate(list.get(), daysFromNow(validDaysAhead).get()) == 1);
+            X509_CRL_set1_lastUpdate(list.get(), daysFromNow(Validity().begin).get()) == 1 &&
+            X509_CRL_set1_nextUpdate(list.get(), daysFromNow(Validity().end).get()) == 1);
     X509V3_CTX context{};
     X509V3_set_ctx(&context, &authority, nullptr, nullptr, list.get(), 0);
     const Extension keyId = createExtension(context, NID_authority_key_identifier, "keyid:always");
@@ -232,22 +248,38 @@ std::string toPem(EVP_PKEY& key)
 
 } // namespace
 
-Certificates createCertificates(const std::string& crlUrl)
-{
-    const Key authorityKey = createKey();
-    const Certificate authority = createAuthority(*authorityKey);
-    const Key leafKey = createKey();
-    const Certificate leaf = createLeaf(*leafKey, *authority, *authorityKey, crlUrl);
-    const RevocationList list = createRevocationList(*authority, *authorityKey);
+CertificateAuthority::CertificateAuthority(std::string crlUrl)
+    : m_crlUrl(std::move(crlUrl)), m_key(createKey()), m_certificate(createAuthority(*m_key))
+{}
 
-    Certificates certificates;
-    certificates.caPem = toPem(*authority);
-    certificates.caDer = toDer<i2d_X509>(*authority);
-    certificates.crlDer = toDer<i2d_X509_CRL>(*list);
-    certificates.leafPem = toPem(*leaf);
-    certificates.leafDer = toDer<i2d_X509>(*leaf);
-    certificates.leafKeyPem = toPem(*leafKey);
-    return certificates;
+std::string CertificateAuthority::pem() const
+{
+    return toPem(*m_certificate);
 }
 
+std::string CertificateAuthority::der() const
+{
+    return toDer<i2d_X509>(*m_certificate);
+}
+
+std::string CertificateAuthority::revocationListDer() const
+{
+    return toDer<i2d_X509_CRL>(*createRevocationList(*m_certificate, *m_key));
+}
+
+ServerCertificate CertificateAuthority::issue(CertificateKind kind) const
+{
+    if (kind == CertificateKind::UnknownCa) {
+        return CertificateAuthority(m_crlUrl).issue(CertificateKind::Good);
+    }
+    const bool isSelfSigned = kind == CertificateKind::SelfSigned;
+    const Key key = createKey();
+    const Certificate leaf = createLeaf(kind, *key, isSelfSigned ? nullptr : m_certificate.get(), m_crlUrl);
+    if (isSelfSigned) {
+        sign(*leaf, *leaf, *key);
+    } else {
+        sign(*leaf, *m_certificate, *m_key);
+    }
+    return {toPem(*leaf), toDer<i2d_X509>(*leaf), toPem(*key)};
+}
 } // namespace sandbox

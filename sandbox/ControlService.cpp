@@ -27,15 +27,17 @@ Answer contentOf(const HelpDesk& helpDesk, const Request& request)
     return textAnswer("application/octet-stream", attachment->content);
 }
 
-Route file(const std::string& path, const std::string& contentType, const std::string& content)
+Route file(const std::string& path, const std::string& contentType, std::string content)
 {
-    return {http::verb::get, path,
-            [contentType, &content](const Request&) { return textAnswer(contentType, content); }};
+    return {http::verb::get, path, [contentType, content = std::move(content)](const Request&) {
+                return textAnswer(contentType, content);
+            }};
 }
 
 } // namespace
 
-ControlService::ControlService(SharedState& state, const Certificates& certificates)
+ControlService::ControlService(SharedState& state, const CertificateAuthority& authority,
+                               const std::string& leafDer)
     : m_state(state), m_routes{
                           {http::verb::get, "/requests",
                            [this](const Request&) { return jsonAnswer(200, m_state.requests.toJson()); }},
@@ -54,6 +56,17 @@ ControlService::ControlService(SharedState& state, const Certificates& certifica
                                m_state.plannedAnswers.clear();
                                return done();
                            }},
+                          {http::verb::post, "/connections",
+                           [this](const Request& request) {
+                               m_state.plannedConnections.add(
+                                   readPlannedConnection(parseJson(request.body())));
+                               return done();
+                           }},
+                          {http::verb::delete_, "/connections",
+                           [this](const Request&) {
+                               m_state.plannedConnections.clear();
+                               return done();
+                           }},
                           {http::verb::post, "/reset",
                            [this](const Request&) {
                                m_state = SharedState();
@@ -63,12 +76,17 @@ ControlService::ControlService(SharedState& state, const Certificates& certifica
                            [this](const Request&) { return jsonAnswer(200, m_state.helpDesk.toJson()); }},
                           {http::verb::get, attachments + '*',
                            [this](const Request& request) { return contentOf(m_state.helpDesk, request); }},
-                          file("/ca.pem", "application/x-pem-file", certificates.caPem),
-                          file("/ca.der", "application/pkix-cert", certificates.caDer),
-                          file("/leaf.der", "application/pkix-cert", certificates.leafDer),
-                          file("/crl.der", "application/pkix-crl", certificates.crlDer),
+                          file("/ca.pem", "application/x-pem-file", authority.pem()),
+                          file("/ca.der", "application/pkix-cert", authority.der()),
+                          file("/leaf.der", "application/pkix-cert", leafDer),
+                          file("/crl.der", "application/pkix-crl", authority.revocationListDer()),
                       }
 {}
+
+std::optional<PlannedConnection> ControlService::accepted(bool /*secure*/)
+{
+    return std::nullopt;
+}
 
 void ControlService::received(ReceivedRequest /*request*/)
 {

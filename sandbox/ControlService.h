@@ -5,6 +5,8 @@
 #include "Router.h"
 #include "Service.h"
 
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace sandbox
@@ -14,8 +16,9 @@ namespace sandbox
 class ControlService final : public Service
 {
 public:
-    ControlService(SharedState& state, const Certificates& certificates);
+    ControlService(SharedState& state, const CertificateAuthority& authority, const std::string& leafDer);
 
+    std::optional<PlannedConnection> accepted(bool secure) override;
     void received(ReceivedRequest request) override;
     Reply reply(const Request& request) override;
 

@@ -36,7 +36,7 @@ unsigned short Listener::port() const
     return m_acceptor.local_endpoint().port();
 }
 
-void Listener::start(Service& service, boost::asio::ssl::context* tls)
+void Listener::start(Service& service, TlsContexts* tls)
 {
     m_service = &service;
     m_tls = tls;
@@ -59,11 +59,17 @@ void Listener::serve(tcp::socket socket)
 {
     boost::system::error_code alreadyGone;
     socket.set_option(tcp::no_delay(true), alreadyGone);
-    if (m_tls == nullptr) {
-        std::make_shared<Connection<tcp::socket>>(std::move(socket), *m_service)->start();
+    const PlannedConnection plan = m_service->accepted(m_tls != nullptr).value_or(PlannedConnection{});
+    if (m_tls != nullptr && !plan.misbehaviour) {
+        auto& tls = m_tls->presenting(plan.certificate);
+        std::make_shared<Connection<SecureStream>>(SecureStream(std::move(socket), tls), *m_service)->start();
+        return;
+    }
+    const auto connection = std::make_shared<Connection<tcp::socket>>(std::move(socket), *m_service);
+    if (plan.misbehaviour) {
+        connection->misbehave(*plan.misbehaviour);
     } else {
-        std::make_shared<Connection<SecureStream>>(SecureStream(std::move(socket), *m_tls), *m_service)
-            ->start();
+        connection->start();
     }
 }
 

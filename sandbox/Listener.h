@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Service.h"
+#include "TlsContexts.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
 namespace sandbox
@@ -18,7 +18,7 @@ public:
     explicit Listener(boost::asio::io_context& context);
 
     unsigned short port() const;
-    void start(Service& service, boost::asio::ssl::context* tls = nullptr);
+    void start(Service& service, TlsContexts* tls = nullptr);
 
 private:
     void accept();
@@ -28,7 +28,7 @@ private:
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_timer;
     Service* m_service = nullptr;
-    boost::asio::ssl::context* m_tls = nullptr;
+    TlsContexts* m_tls = nullptr;
 };
 
 } // namespace sandbox

@@ -26,7 +26,7 @@ the command's exit code (128 + n when signal n ended it):
 
 All ports are chosen by the system and open on 127.0.0.1 alone. Certificates are made afresh for each run:
 a CA (CN=Vantry Sandbox CA and a number) and from it the server's certificate (CN=localhost), whose
-revocation list the control interface serves. Requests are limited to 64 KiB of headers and 64 MiB of body.
+revocation list the control interface serves. Requests are limited to 64 KiB of headers and 512 MiB of body.
 
 REST RESOURCES, under the base path, the same on both REST ports
   USER stands for username=NAME&password=PASSWORD, percent-encoded; wrong or missing: 401. Errors are
@@ -67,11 +67,29 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
       "status", "reason", "headers", "body"
                          the answer, with Content-Length added; status 200 and the standard reason when
                          absent. Status 1xx, 204 and 304 have neither body nor Content-Length.
-      "raw"              base64 of the bytes to write instead, after which the connection is closed
-      "delayMs"          how long to wait before the answer, up to one hour
-      "closeAfter"       write so many bytes of the answer, then drop the connection without a TLS goodbye
+      "raw"              base64 of the bytes to write instead
+      "steps"            instead too: [{"raw":BASE64,"waitMs":N,"times":N},...], written in this order, each
+                         "times" times (1 when absent; 0: without end, until the client goes) and each time
+                         after "waitMs"
+      "then"             with "raw" or "steps", what follows the last byte: "close" (in good order, as when
+                         absent), "drop" (close without a TLS goodbye), "reset" (the connection), "stay"
+                         (open and silent until the client goes)
+      "delayMs"          how long to wait before the answer, up to one hour like every wait
+      "closeAfter"       write so many bytes of the answer or of "raw", then drop the connection
   DELETE /answers    forgets the planned answers; 204
-  POST /reset        forgets sessions, tickets, tech notes, attachments, requests, planned answers; 204
+  POST /connections  plans the fate of one connection to come on a REST port; 204, or 400 if malformed. The
+                     oldest that fits decides; it is used once:
+      "secure"           true or false: the port that it fits; absent: any
+      "skip"             so many connections that fit are let through first
+      and one of these two:
+      "fault"            "close", "reset"; "silent" (never a byte; no more than 64 KiB are read in the first
+                         two minutes); or, when the client has begun to speak: "plain" (HTTP text), "alert"
+                         (a fatal TLS alert), "garbage" (neither HTTP nor TLS), "closeInHandshake" (half of
+                         a TLS ServerHello), each closed afterwards
+      "certificate"      what the TLS port presents: "expired", "notYetValid", "otherHost", "selfSigned",
+                         "unknownCa", or "other", which is another good one of the same CA
+  DELETE /connections  forgets them; 204
+  POST /reset        forgets sessions, tickets, tech notes, attachments, requests and all that is planned; 204
   GET /state         {"sessions":[{"key","cookie","user"}],
                       "tickets":[{"id","entityType","entityId","subject","detail"}],
                       "techNotes":[{"id","ticketId","noteText","workTime","isHidden"}],

@@ -154,16 +154,13 @@ Answer welcome()
 
 Reply plannedReply(const PlannedAnswer& planned, const Request& request)
 {
-    Reply reply = replyWith(planned.answer, request);
-    if (planned.raw) {
-        reply.bytes = *planned.raw;
-        reply.afterwards = Afterwards::Close;
-    }
+    Reply reply = planned.script ? *planned.script : replyWith(planned.answer, request);
     if (planned.closeAfter) {
-        reply.bytes.resize(std::min(reply.bytes.size(), *planned.closeAfter));
+        std::string& bytes = reply.steps.front().bytes;
+        bytes.resize(std::min(bytes.size(), *planned.closeAfter));
         reply.afterwards = Afterwards::Drop;
     }
-    reply.delay = planned.delay;
+    reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
     return reply;
 }
 
@@ -190,6 +187,11 @@ RestService::RestService(SharedState& state, Account account, const std::string&
                                           "reason"},
                                      }
 {}
+
+std::optional<PlannedConnection> RestService::accepted(bool secure)
+{
+    return m_state.plannedConnections.take(secure);
+}
 
 void RestService::received(ReceivedRequest request)
 {

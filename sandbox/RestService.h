@@ -1,11 +1,12 @@
 #pragma once
 
 #include "HelpDesk.h"
-#include "PlannedAnswers.h"
+#include "Plans.h"
 #include "RequestLog.h"
 #include "Router.h"
 #include "Service.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct SharedState
     HelpDesk helpDesk;
     RequestLog requests;
     PlannedAnswers plannedAnswers;
+    PlannedConnections plannedConnections;
 };
 
 class RestService final : public Service
@@ -31,6 +33,7 @@ class RestService final : public Service
 public:
     RestService(SharedState& state, Account account, const std::string& base);
 
+    std::optional<PlannedConnection> accepted(bool secure) override;
     void received(ReceivedRequest request) override;
     Reply reply(const Request& request) override;
 

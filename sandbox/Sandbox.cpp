@@ -1,7 +1,5 @@
 #include "Sandbox.h"
 
-#include <boost/asio/buffer.hpp>
-
 #include <random>
 
 namespace sandbox
@@ -9,8 +7,6 @@ namespace sandbox
 
 namespace
 {
-
-namespace ssl = boost::asio::ssl;
 
 std::string address(const std::string& scheme, const Listener& listener)
 {
@@ -23,23 +19,14 @@ std::string listAddress(const std::string& control)
     return control + "/crl.der?" + std::to_string(std::random_device()());
 }
 
-ssl::context createTls(const Certificates& certificates)
-{
-    ssl::context tls(ssl::context::tls_server);
-    tls.set_options(ssl::context::no_tlsv1 | ssl::context::no_tlsv1_1);
-    tls.use_certificate(boost::asio::buffer(certificates.leafPem), ssl::context::pem);
-    tls.use_private_key(boost::asio::buffer(certificates.leafKeyPem), ssl::context::pem);
-    return tls;
-}
-
 } // namespace
 
 Sandbox::Sandbox(boost::asio::io_context& context, const Options& options)
     : m_control(context), m_http(context), m_https(context),
-      m_certificates(createCertificates(listAddress(address("http", m_control)))),
-      m_caFile(m_certificates.caPem, options.caFile), m_tls(createTls(m_certificates)), m_base(options.base),
+      m_authority(listAddress(address("http", m_control))), m_caFile(m_authority.pem(), options.caFile),
+      m_tls(m_authority), m_base(options.base),
       m_restService(m_state, {options.user, options.password}, options.base),
-      m_controlService(m_state, m_certificates)
+      m_controlService(m_state, m_authority, m_tls.certificateDer(CertificateKind::Good))
 {
     m_control.start(m_controlService);
     m_http.start(m_restService);

@@ -6,9 +6,9 @@
 #include "Listener.h"
 #include "Options.h"
 #include "RestService.h"
+#include "TlsContexts.h"
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/ssl/context.hpp>
 
 #include <string>
 
@@ -30,9 +30,9 @@ private:
     Listener m_control;
     Listener m_http;
     Listener m_https;
-    Certificates m_certificates;
+    CertificateAuthority m_authority;
     CaFile m_caFile;
-    boost::asio::ssl::context m_tls;
+    TlsContexts m_tls;
     std::string m_base;
     SharedState m_state;
     RestService m_restService;

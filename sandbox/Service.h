@@ -1,29 +1,14 @@
 #pragma once
 
 #include "Http.h"
+#include "Plans.h"
 #include "RequestLog.h"
 
-#include <chrono>
-#include <string>
+#include <optional>
 
 namespace sandbox
 {
-
-enum class Afterwards
-{
-    KeepAlive,
-    Close, // in good order: a secure connection says goodbye first
-    Drop   // the way a broken server does
-};
-
-struct Reply
-{
-    std::string bytes;
-    std::chrono::milliseconds delay{0};
-    Afterwards afterwards = Afterwards::KeepAlive;
-};
-
-// What a port serves. All ports share one thread, so services need no locks.
+/// What a port serves. All ports share one thread, so services need no locks.
 class Service
 {
 public:
@@ -34,7 +19,9 @@ public:
     Service& operator=(Service&&) = delete;
     virtual ~Service() = default;
 
-    // Comes before the reply; for bytes that are no HTTP request nothing else comes.
+    /// The fate that is planned for the connection that has just come, if any.
+    virtual std::optional<PlannedConnection> accepted(bool secure) = 0;
+    /// Comes before the reply; for bytes that are no HTTP request nothing else comes.
     virtual void received(ReceivedRequest request) = 0;
     virtual Reply reply(const Request& request) = 0;
 };
@@ -43,8 +30,7 @@ inline Reply replyWith(const Answer& answer, const Request& request)
 {
     const bool keepAlive = keepsAlive(request);
     const bool withBody = request.method() != boost::beast::http::verb::head;
-    return {serialize(answer, keepAlive, withBody), std::chrono::milliseconds(0),
+    return {{{serialize(answer, keepAlive, withBody)}},
             keepAlive ? Afterwards::KeepAlive : Afterwards::Close};
 }
-
 } // namespace sandbox
