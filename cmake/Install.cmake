@@ -17,7 +17,8 @@ configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TAVIKVANTRYAPIConfig.cma
 write_basic_package_version_file(TAVIKVANTRYAPIConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake DESTINATION ${package_config_dir})
-install(FILES api/TAVIKVANTRYAPI.h ${platform_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+get_target_property(host_types_dir TAVIKVANTRYAPI VANTRY_HOST_TYPES_DIR)
+install(FILES api/TAVIKVANTRYAPI.h ${host_types_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 if(MINGW AND TARGET vantry-console-host)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)

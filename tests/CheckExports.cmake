@@ -1,9 +1,11 @@
-# Compares the exported names of LIBRARY with the interface's. Variables: LIBRARY, WINDOWS, NM or OBJDUMP.
+# Compares the exported names of LIBRARY with the header's. Variables: LIBRARY, EXPECTED, WINDOWS, NM or OBJDUMP.
 cmake_minimum_required(VERSION 3.25)
 
-set(expected
-    CloseSession CreateSession CreateTicket GetCreatedTicketID GetLastResponse GetTicketList RequestTicketList
-    SaveAttachment SaveTechNote SetCredentials SetEndPoint SetHWND SetValidateCertificateCallback)
+list(LENGTH EXPECTED count)
+if(NOT count EQUAL 13)
+  message(FATAL_ERROR "the header declares ${count} functions, not thirteen: ${EXPECTED}")
+endif()
+list(SORT EXPECTED)
 
 if(WINDOWS)
   execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
@@ -18,6 +20,6 @@ endif()
 list(TRANSFORM rows REPLACE "^.* " "" OUTPUT_VARIABLE exported)
 list(SORT exported)
 
-if(NOT exported STREQUAL expected)
-  message(FATAL_ERROR "expected: ${expected}\nexported: ${exported}")
+if(NOT exported STREQUAL EXPECTED)
+  message(FATAL_ERROR "expected: ${EXPECTED}\nexported: ${exported}")
 endif()

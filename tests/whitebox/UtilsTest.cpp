@@ -1,8 +1,11 @@
 #include "Utils.h"
+#include "GuardedCall.h"
 
 #include "platform/PlatformSupport.h"
 #include "support/CapturedLog.h"
 
+#include <cpprest/http_msg.h>
+#include <cpprest/json.h>
 #include <gtest/gtest.h>
 
 #include <stdexcept>
