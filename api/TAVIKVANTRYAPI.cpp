@@ -60,36 +60,36 @@ const std::vector<TicketListEntry>& GetTicketList()
 
 void SaveTechNote(const TechNote& techNote)
 {
-    LOG4CXX_INFO(moduleLogger, L"Saving tech note.");
+    LUMO_LINE(moduleLogger, Info, L"Saving tech note.");
     client.wrpSaveTechNote(techNote);
 }
 
 void SaveAttachment(const Attachment& attachment)
 {
-    LOG4CXX_INFO(moduleLogger, L"Saving attachment.");
+    LUMO_LINE(moduleLogger, Info, L"Saving attachment.");
     client.wrpSaveAttachment(attachment);
 }
 
 void CreateSession()
 {
-    LOG4CXX_INFO(moduleLogger, L"Creating session.");
+    LUMO_LINE(moduleLogger, Info, L"Creating session.");
     client.wrpCreateSession();
 }
 
 void CloseSession()
 {
-    LOG4CXX_INFO(moduleLogger, L"Closing session.");
+    LUMO_LINE(moduleLogger, Info, L"Closing session.");
     client.wrpCloseSession();
 }
 
 void RequestTicketList(const std::wstring& entityId, VantryType type)
 {
-    LOG4CXX_INFO(moduleLogger, L"Requesting ticket list");
+    LUMO_LINE(moduleLogger, Info, L"Requesting ticket list");
     client.wrpRequestTicketList(entityId, type);
 }
 
 void CreateTicket(const TicketCreationInformation& ticket)
 {
-    LOG4CXX_INFO(moduleLogger, L"Creating ticket.");
+    LUMO_LINE(moduleLogger, Info, L"Creating ticket.");
     client.wrpCreateTicket(ticket);
 }

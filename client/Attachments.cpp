@@ -1,18 +1,17 @@
 #include "CompletionSignal.h"
+#include "GuardedCall.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
 
 #include <ctime>
 #include <sstream>
+#include <stdexcept>
 
-using Platform::fromRestText;
 using Platform::toAnsi;
 using Platform::toRestText;
 using web::http::methods;
 using web::http::status_codes;
-
-namespace json = web::json;
 
 namespace
 {
@@ -31,6 +30,15 @@ std::string multipartBody(const std::wstring& boundary, const Attachment& attach
          << "--===" << token << "===--\r\n";
     return body.str();
 }
+
+/// Headers end where a line ends: such a text would write headers of its own.
+/// @throws std::invalid_argument
+void requireOneLine(const std::wstring& text, const std::string& name)
+{
+    if (text.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) {
+        throw std::invalid_argument("The " + name + " holds a line break or a zero character.");
+    }
+}
 } // namespace
 
 namespace VantryIntegrationApi
@@ -39,22 +47,25 @@ void CVantryApi::saveAttachment(const Attachment& attachment)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveAttachment");
-    web::uri requestUri;
-    const bool prepared = prepare(lumoName, [&] {
-        requestUri = web::uri_builder()
-                         .set_path(U("/attachment/upload"))
-                         .append_query(U("type=TechNote"), false)
-                         .append_query(U("entityId=") + Utils::rawQueryText(m_lastSavedTechNoteId), false)
-                         .to_uri();
-        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
-    });
-    if (!prepared || !validateOrStop(lumoName)) {
-        return;
-    }
-    LUMO_DEBUG(L"Going to send request to server");
-    m_lastResponse =
-        Utils::safe_CallMethod([&] { return unsafe_sendRequest_UploadAttachment(requestUri, attachment); });
-    if (m_lastResponse.httpStatusCode != status_codes::Created) {
+    const auto prepareRequest = [&] {
+        requireOneLine(attachment.fileName, "file name");
+        requireOneLine(m_userName, "user name");
+        requireOneLine(m_session.m_sessionKey, "session key");
+        const auto requestUri =
+            web::uri_builder()
+                .set_path(U("/attachment/upload"))
+                .append_query(U("type=TechNote"), false)
+                .append_query(U("entityId=") + Utils::minimallyEncoded(m_lastSavedTechNoteId), false)
+                .to_uri();
+        logUsedUrl(requestUri, lumoName);
+        return requestUri;
+    };
+    if (perform(lumoName, prepareRequest,
+                [&](const web::uri& requestUri) {
+                    return Utils::safe_CallMethod(
+                        [&] { return unsafe_sendRequest_UploadAttachment(requestUri, attachment); });
+                }) &&
+        m_lastResponse.httpStatusCode != status_codes::Created) {
         LUMO_ERROR(g_requestErrorText);
     }
 }
@@ -85,13 +96,10 @@ ResponseStatus CVantryApi::unsafe_sendRequest_UploadAttachment(const web::uri& r
     const auto base = Utils::baseAddress(web::uri(toRestText(m_endPoint))) + L"/helpdesk";
     LUMO_INFO(L"Setting the end point for uploading attachment: " << base);
 
-    json::value answer;
+    Utils::JsonAnswer answer;
     auto status = exchange(lumoName, web::uri(toRestText(base)), request, &Utils::handleResponse, answer);
-    if (answer.is_null()) {
-        return status;
-    }
-    LUMO_INFO(L"Server's response: " << Utils::jsonText(answer));
-    if (const auto reason = Utils::member(answer, U("reason")); !reason.is_null()) {
+    logAnswer(lumoName, *answer);
+    if (const auto& reason = Utils::member(*answer, U("reason")); !reason.is_null()) {
         LUMO_INFO(L"Trying to set an error to the response status");
         status.errorMessage = Utils::jsonText(reason);
         LUMO_ERROR(status.errorMessage);

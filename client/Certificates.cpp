@@ -1,9 +1,12 @@
 #include "CertificateHook.h"
+#include "GivenUp.h"
 #include "RestText.h"
 #include "StringTable.h"
 #include "Utils.h"
 #include "VantryApi.h"
 #include "WindowsCalls.h"
+
+#include <memory>
 
 using Platform::fromAnsi;
 using Platform::fromRestText;
@@ -14,27 +17,12 @@ using web::http::client::http_client_config;
 
 namespace VantryIntegrationApi
 {
-bool CVantryApi::validateOrStop(const wchar_t* operation)
-{
-    LOG4CXX_DEBUG(m_logger, operation << L"; " << L"Going to validate certificate");
-    bool trusted = false;
-    // An endpoint that is no URI is found out here, before anything is sent.
-    if (!prepare(operation, [&] { trusted = validateCertificateRequest(); })) {
-        return false;
-    }
-    if (!trusted) {
-        LOG4CXX_ERROR(m_logger, operation
-                                    << L"; "
-                                    << L"Validation of certificate has failed. User request is stopped.");
-    }
-    return trusted;
-}
-
 http_client_config CVantryApi::getClientConfig(bool validate)
 {
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::getClientConfig");
     auto config = Platform::makeClientConfig();
     config.set_validate_certificates(false);
+    config.set_max_redirects(0); // one exchange, with the server that the host named
     if (!validate) {
         LUMO_DEBUG(L"Validation of certificates is skipped.");
         return config;
@@ -66,11 +54,15 @@ bool CVantryApi::validateCertificateRequest()
         const auto base = Utils::getSchemeIpAsUrl(m_endPoint);
         http_client client(toRestText(base), getClientConfig(true));
         LUMO_INFO(L"Used url: " << base << fromRestText(probe.request_uri().to_string()));
-        const auto answered = client.request(probe).then([this](const web::http::http_response& response) {
-            m_lastResponse = {response.status_code(), fromRestText(response.reason_phrase())};
-        });
-        LUMO_DEBUG(L"Going to run task and get results.");
-        answered.wait();
+        {
+            const GivenUp body;
+            const auto answered =
+                client.request(probe, body.token()).then([this](const web::http::http_response& response) {
+                    m_lastResponse = {response.status_code(), fromRestText(response.reason_phrase())};
+                });
+            LUMO_DEBUG(L"Going to run task and get results.");
+            answered.wait();
+        }
         LUMO_INFO(
             L"Certificate validation request, ended successfully. Will show dialog for user with certificate "
             L"info.");
@@ -109,11 +101,15 @@ bool CVantryApi::ValidateCertificate()
 {
     const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::ValidateCertificate");
     if (m_certificateValidator != nullptr && m_pVantryCertContext != nullptr) {
-        return m_certificateValidator(*m_pVantryCertContext);
+        // Copies: the callback may set another one, or run an operation that stores another certificate.
+        const auto validator = m_certificateValidator;
+        const std::unique_ptr<const CERT_CONTEXT, decltype(&CertFreeCertificateContext)> certificate(
+            CertDuplicateCertificateContext(m_pVantryCertContext), &CertFreeCertificateContext);
+        return validator(*certificate);
     }
-    LOG4CXX_INFO(m_logger,
-                 L"(m_certificateValidator == nullptr || m_pVantryCertContext == nullptr) - Certificate "
-                 L"validation is skipped.");
+    LUMO_LINE(m_logger, Info,
+              L"(m_certificateValidator == nullptr || m_pVantryCertContext == nullptr) - Certificate "
+              L"validation is skipped.");
     return true;
 }
 } // namespace VantryIntegrationApi

@@ -2,6 +2,7 @@
 #include "VantryApi.h"
 
 #include <thread>
+#include <tuple>
 
 namespace VantryIntegrationApi
 {
@@ -10,17 +11,19 @@ void CVantryApi::dispatch(const char* name, void (CVantryApi::*operation)(Parame
                           const std::decay_t<Parameters>&... arguments)
 {
     if (m_hwnd == nullptr) {
-        LOG4CXX_TRACE(m_logger, "Sync. " << name << "()");
+        LUMO_LINE(m_logger, Trace, "Sync. " << name << "()");
         (this->*operation)(arguments...);
         return;
     }
-    LOG4CXX_TRACE(m_logger, "Async. " << name << "()");
-    std::thread([this, operation, arguments..., module = Platform::ModuleReference()] {
+    LUMO_LINE(m_logger, Trace, "Async. " << name << "()");
+    std::thread([this, operation, copies = std::tuple<std::decay_t<Parameters>...>(arguments...),
+                 module = Platform::ModuleReference()] {
         try {
-            (this->*operation)(arguments...);
+            std::apply([&](const auto&... copied) { (this->*operation)(copied...); }, copies);
         } catch (...) {
-            throw; // ends the process, but caught once, so that the stack is unwound and the window told
-                   // before
+            // It ends the process all the same. But only an exception that is caught is sure to unwind the
+            // stack first, and so to have the window told.
+            throw;
         }
     }).detach();
 }

@@ -1,20 +1,77 @@
+#include "ResponseHandling.h"
+
 #include "RestText.h"
-#include "Utils.h"
 #include "VantryApi.h"
 
 #include <cpprest/containerstream.h>
 
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
 using Platform::fromAnsi;
 using Platform::fromRestText;
+using Platform::restTextOfUtf8;
 using web::http::http_response;
 
 namespace json = web::json;
 
+namespace VantryIntegrationApi::Utils
+{
 namespace
 {
 bool contains(const utility::string_t& text, const utility::char_t* part)
 {
     return text.find(part) != utility::string_t::npos;
+}
+
+/// The parameters of a content type, without the blanks around them.
+utility::string_t parametersOf(const utility::string_t& contentType)
+{
+    const auto end = contentType.find(U(';'));
+    return end == utility::string_t::npos ? utility::string_t()
+                                          : boost::trim_copy(contentType.substr(end + 1));
+}
+
+bool isUtf8Json(const utility::string_t& contentType)
+{
+    const auto parameters = parametersOf(contentType);
+    return boost::starts_with(contentType, U("application/json")) &&
+           (contentType.size() == 16 || boost::iequals(parameters, U("charset=utf-8")));
+}
+
+bool isUtf8Text(const utility::string_t& contentType)
+{
+    return boost::starts_with(contentType, U("text/")) &&
+           boost::iequals(parametersOf(contentType), U("charset=utf-8"));
+}
+
+/// The body as it came, whatever its content type.
+pplx::task<std::string> bodyBytes(const http_response& response)
+{
+    return response.extract_utf8string(true);
+}
+
+JsonAnswer shared(json::value&& value)
+{
+    return std::make_shared<const json::value>(std::move(value));
+}
+
+/// UTF-8, the usual form, is read here: the REST SDK would refuse bytes that are no text on one target and
+/// take them on the other. Every other form is the REST SDK's matter.
+pplx::task<JsonAnswer> extractJson(http_response& response, const utility::string_t& contentType)
+{
+    if (!isUtf8Json(contentType)) {
+        return response.extract_json().then([](json::value value) { return shared(std::move(value)); });
+    }
+    return bodyBytes(response).then([](std::string bytes) {
+        return shared(bytes.empty() ? json::value() : json::value::parse(restTextOfUtf8(std::move(bytes))));
+    });
+}
+
+utility::string_t extractText(http_response& response, const utility::string_t& contentType)
+{
+    return isUtf8Text(contentType) ? restTextOfUtf8(bodyBytes(response).get())
+                                   : response.extract_string().get();
 }
 
 void traceBody(const http_response& response)
@@ -24,17 +81,16 @@ void traceBody(const http_response& response)
         response.body()
             .read_to_end(bytes)
             .then([bytes](std::size_t /*count*/) {
-                LOG4CXX_TRACE(VantryIntegrationApi::CVantryApi::m_logger,
-                              "Full server response: " << bytes.collection());
+                LUMO_LINE(CVantryApi::m_logger, Trace, "Full server response: " << bytes.collection());
             })
             .wait();
     } catch (const std::exception& e) {
-        LOG4CXX_WARN(VantryIntegrationApi::CVantryApi::m_logger, e.what());
+        LUMO_LINE(CVantryApi::m_logger, Warn, e.what());
     }
 }
 } // namespace
 
-pplx::task<json::value> VantryIntegrationApi::Utils::handleResponse(http_response& response)
+pplx::task<JsonAnswer> handleResponse(http_response& response)
 {
     LUMO_FUNCTION(CVantryApi::m_logger, "VantryIntegrationApi::Utils::handleResponse");
     LUMO_INFO(L"HTTP Status code: " << response.status_code() << L". HTTP Status message: "
@@ -45,15 +101,15 @@ pplx::task<json::value> VantryIntegrationApi::Utils::handleResponse(http_respons
 
     if (contains(contentType, U("application/json"))) {
         LUMO_INFO(L"Trying to extract json");
-        return response.extract_json();
+        return extractJson(response, contentType);
     }
     if (contains(contentType, U("text"))) {
         try {
             LUMO_DEBUG(L"Trying to get the string, and error message from server.");
-            const auto text = response.extract_string().get();
+            const auto text = extractText(response, contentType);
             LUMO_INFO(fromRestText(text));
             LUMO_DEBUG(L"Trying to create json value from string.");
-            return pplx::task_from_result(json::value::parse(text));
+            return pplx::task_from_result(shared(json::value::parse(text)));
         } catch (const std::exception& e) {
             LUMO_FATAL(fromAnsi(e.what()));
             throw;
@@ -65,5 +121,17 @@ pplx::task<json::value> VantryIntegrationApi::Utils::handleResponse(http_respons
     }
     LUMO_INFO(L"Unfortunately server's response doesn't contain any detail information. "
               L"See http status code and phrase. Returning empy json::value.");
-    return pplx::task_from_result(json::value::null());
+    return pplx::task_from_result(shared(json::value::null()));
 }
+
+const json::value& member(const json::value& object, const utility::char_t* name)
+{
+    static const json::value none;
+    return object.is_object() && object.has_field(name) ? object.at(name) : none;
+}
+
+std::wstring jsonText(const json::value& value)
+{
+    return fromRestText(value.serialize());
+}
+} // namespace VantryIntegrationApi::Utils

@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "GuardedCall.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
@@ -27,6 +28,7 @@ std::wstring setCookie(const http_response& response)
         if (header.first == U("Set-Cookie")) {
             const auto end = header.second.find(U(';'));
             if (end == utility::string_t::npos) {
+                // The server promises attributes. A cookie without one ends as a failure, not as a session.
                 throw std::out_of_range("invalid string position");
             }
             return fromRestText(header.second.substr(0, end));
@@ -42,45 +44,47 @@ void CVantryApi::createSession()
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createSession");
-    uri requestUri;
-    const bool prepared = prepare(lumoName, [&] {
-        requestUri = web::uri_builder()
-                         .set_path(U("/Session"))
-                         .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                         .to_uri();
-        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
-    });
-    if (!prepared || !validateOrStop(lumoName)) {
+    const auto prepareRequest = [&] {
+        const auto requestUri = web::uri_builder()
+                                    .set_path(U("/Session"))
+                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                                    .to_uri();
+        logUsedUrl(requestUri, lumoName);
+        return requestUri;
+    };
+    if (!perform(lumoName, prepareRequest, [this](const uri& requestUri) {
+            return Utils::safe_CallMethod([&] { return unsafe_sendRequest_CreateSession(requestUri); });
+        })) {
         return;
     }
-    LUMO_DEBUG(L"Going to send request to server");
-    m_lastResponse = Utils::safe_CallMethod([&] { return unsafe_sendRequest_CreateSession(requestUri); });
     if (m_lastResponse.httpStatusCode != status_codes::OK) {
         LUMO_ERROR(g_requestErrorText);
         return;
     }
-    LOG4CXX_INFO(m_logger, L"Session id is: " << m_session.m_sessionKey << L" Cookie id is: "
-                                              << m_session.m_sessionCookie);
+    LUMO_LINE(m_logger, Info,
+              L"Session id is: " << m_session.m_sessionKey << L" Cookie id is: "
+                                 << m_session.m_sessionCookie);
 }
 
 void CVantryApi::closeSession()
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::closeSession");
-    uri requestUri;
-    const bool prepared = prepare(lumoName, [&] {
-        requestUri = web::uri_builder()
-                         .set_path(U("/Session"))
-                         .append_query(U("sessionKey=") + Utils::rawQueryText(m_session.m_sessionKey), false)
-                         .to_uri();
-        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
-    });
-    if (!prepared || !validateOrStop(lumoName)) {
-        return;
-    }
-    LUMO_DEBUG(L"Going to send request to server");
-    m_lastResponse = Utils::safe_CallMethod([&] { return unsafe_sendRequest_CloseSession(requestUri); });
-    if (m_lastResponse.httpStatusCode != status_codes::OK) {
+    const auto prepareRequest = [&] {
+        const auto requestUri =
+            web::uri_builder()
+                .set_path(U("/Session"))
+                .append_query(U("sessionKey=") + Utils::minimallyEncoded(m_session.m_sessionKey), false)
+                .to_uri();
+        logUsedUrl(requestUri, lumoName);
+        return requestUri;
+    };
+    if (perform(lumoName, prepareRequest,
+                [this](const uri& requestUri) {
+                    return Utils::safe_CallMethod(
+                        [&] { return unsafe_sendRequest_CloseSession(requestUri); });
+                }) &&
+        m_lastResponse.httpStatusCode != status_codes::OK) {
         LUMO_ERROR(g_requestErrorText);
     }
 }
@@ -92,18 +96,18 @@ ResponseStatus CVantryApi::unsafe_sendRequest_CreateSession(const uri& requestUr
     request.set_request_uri(requestUri);
 
     std::wstring cookie;
-    json::value answer;
+    Utils::JsonAnswer answer;
     const auto reader = [&cookie](http_response& response) {
         cookie = setCookie(response);
         return Utils::handleResponse(response);
     };
     auto status = exchange(lumoName, uri(toRestText(m_endPoint)), request, reader, answer);
-    if (!answer.is_null()) {
-        auto key = Utils::jsonText(Utils::member(answer, U("sessionKey")));
+    if (!answer->is_null()) {
+        auto key = Utils::jsonText(Utils::member(*answer, U("sessionKey")));
         boost::trim_if(key, boost::is_any_of(L" \""));
         m_session = {std::move(key), std::move(cookie)};
-        LUMO_INFO(L"Server's response: " << Utils::jsonText(answer));
     }
+    logAnswer(lumoName, *answer);
     return status;
 }
 
@@ -114,11 +118,9 @@ ResponseStatus CVantryApi::unsafe_sendRequest_CloseSession(const uri& requestUri
     request.set_request_uri(requestUri);
     request.headers()[U("Cookie")] = toRestText(m_session.m_sessionCookie);
 
-    json::value answer;
+    Utils::JsonAnswer answer;
     auto status = exchange(lumoName, uri(toRestText(m_endPoint)), request, &Utils::handleResponse, answer);
-    if (!answer.is_null()) {
-        LUMO_INFO(L"Server's response: " << Utils::jsonText(answer));
-    }
+    logAnswer(lumoName, *answer);
     return status;
 }
 } // namespace VantryIntegrationApi

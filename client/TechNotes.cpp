@@ -29,32 +29,35 @@ json::value noteBody(const TechNote& techNote)
 }
 } // namespace
 
-void VantryIntegrationApi::CVantryApi::saveTechNote(const TechNote& techNote)
+namespace VantryIntegrationApi
+{
+void CVantryApi::saveTechNote(const TechNote& techNote)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
-    web::uri requestUri;
     json::value body;
-    const bool prepared = prepare(lumoName, [&] {
-        requestUri = web::uri_builder()
-                         .set_path(U("/TechNotes"))
-                         .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                         .to_uri();
+    const auto prepareRequest = [&] {
+        const auto requestUri = web::uri_builder()
+                                    .set_path(U("/TechNotes"))
+                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                                    .to_uri();
         LUMO_DEBUG(L"Going to prepare json object from input data.");
         body = noteBody(techNote);
-        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
-    });
-    if (!prepared || !validateOrStop(lumoName)) {
+        logUsedUrl(requestUri, lumoName);
+        return requestUri;
+    };
+    Utils::JsonAnswer answer;
+    if (!perform(lumoName, prepareRequest, [&](const web::uri& requestUri) {
+            return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
+        })) {
         return;
     }
-    LUMO_DEBUG(L"Going to send request to server");
-    auto answer = json::value::object();
-    m_lastResponse = sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
     if (m_lastResponse.httpStatusCode != status_codes::Created) {
         m_lastSavedTechNoteId.clear();
         LUMO_ERROR(g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
         return;
     }
-    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer, U("id")));
+    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(*answer, U("id")));
     LUMO_INFO(L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
 }
+} // namespace VantryIntegrationApi

@@ -34,34 +34,37 @@ json::value ticketBody(const TicketCreationInformation& ticket)
 }
 } // namespace
 
-void VantryIntegrationApi::CVantryApi::createTicket(const TicketCreationInformation& ticket)
+namespace VantryIntegrationApi
+{
+void CVantryApi::createTicket(const TicketCreationInformation& ticket)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
-    web::uri requestUri;
     json::value body;
-    const bool prepared = prepare(lumoName, [&] {
-        requestUri = web::uri_builder()
-                         .set_path(U("/Tickets"))
-                         .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                         .to_uri();
-        LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
+    const auto prepareRequest = [&] {
+        const auto requestUri = web::uri_builder()
+                                    .set_path(U("/Tickets"))
+                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                                    .to_uri();
+        logUsedUrl(requestUri, lumoName);
         LUMO_INFO(L"Preparing json based on input information");
         body = ticketBody(ticket);
-    });
-    if (!prepared || !validateOrStop(lumoName)) {
+        return requestUri;
+    };
+    Utils::JsonAnswer answer;
+    if (!perform(lumoName, prepareRequest,
+                 [&](const web::uri& requestUri) {
+                     return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body,
+                                                              answer);
+                 }) ||
+        m_lastResponse.httpStatusCode != status_codes::Created) {
         return;
     }
-    LUMO_DEBUG(L"Going to send request to server");
-    auto answer = json::value::object();
-    m_lastResponse = sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
-    if (m_lastResponse.httpStatusCode != status_codes::Created) {
-        return;
-    }
-    if (answer.is_null()) {
+    if (answer->is_null()) {
         LUMO_ERROR(L"Answer form the server is null");
         return;
     }
-    m_createdTicketId = Utils::jsonText(Utils::member(answer, U("id")));
+    m_createdTicketId = Utils::jsonText(Utils::member(*answer, U("id")));
     LUMO_INFO(L"Returning created ticket ID: " << m_createdTicketId);
 }
+} // namespace VantryIntegrationApi

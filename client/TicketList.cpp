@@ -29,54 +29,61 @@ void CVantryApi::requestTicketList(const std::wstring& entityId, VantryType type
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::requestTicketList");
-    web::uri_builder builder(U("/Tickets"));
-    const bool prepared = prepare(lumoName, [&] {
-        builder.append_query(toRestText(qualifier(entityId, type)), false);
-        builder.append_query(Utils::credentialQuery(m_userName, m_password), false);
-    });
     m_ticketList.clear();
-    if (!prepared) {
+    web::uri_builder address(U("/Tickets"));
+    if (!prepare(lumoName, [&] { address.append_query(toRestText(qualifier(entityId, type)), false); })) {
         return;
     }
-    const auto requestUri = builder.to_uri(); // refuses what the host's identifier cannot be in a URI
-    LogUsedUrl(fromRestText(requestUri.to_string()), lumoName);
-    if (!validateOrStop(lumoName)) {
+    // An identifier that an address cannot carry is refused here, before the credentials are in the address:
+    // the exception, which leaves the operation, shows it.
+    address.to_uri();
+    const auto prepareRequest = [&] {
+        address.append_query(Utils::credentialQuery(m_userName, m_password), false);
+        const auto requestUri = address.to_uri();
+        logUsedUrl(requestUri, lumoName);
+        return requestUri;
+    };
+    Utils::JsonAnswer answer;
+    if (!perform(lumoName, prepareRequest, [&](const web::uri& requestUri) {
+            // Once more: the host's certificate callback has run since, and may have listed tickets itself.
+            m_ticketList.clear();
+            return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::GET), answer);
+        })) {
         return;
     }
-    LUMO_DEBUG(L"Going to send request to server");
-    m_ticketList.clear();
-    json::value answer;
-    m_lastResponse = sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::GET), answer);
     if (m_lastResponse.httpStatusCode != status_codes::OK) {
         LUMO_ERROR(g_requestErrorText);
         return;
     }
-    if (!answer.is_array()) {
-        LOG4CXX_ERROR(m_logger, L"Answer form the server is not an array");
+    if (!answer->is_array()) {
+        LUMO_LINE(m_logger, Error, L"Answer form the server is not an array");
         return;
     }
-    for (const auto& ticket : answer.as_array()) {
+    const auto& tickets = answer->as_array();
+    m_ticketList.reserve(tickets.size());
+    for (const auto& ticket : tickets) {
         appendTicket(ticket);
     }
-    LOG4CXX_INFO(m_logger, L"We received: " << m_ticketList.size() << L" tickets.");
+    LUMO_LINE(m_logger, Info, L"We received: " << m_ticketList.size() << L" tickets.");
 }
 
 void CVantryApi::appendTicket(const json::value& ticket)
 {
     TicketListEntry entry;
-    if (const auto id = Utils::member(ticket, U("id")); !id.is_null()) {
+    if (const auto& id = Utils::member(ticket, U("id")); !id.is_null()) {
         entry.id = Utils::jsonText(id);
     }
     const auto text = [&ticket](const utility::char_t* name) {
-        const auto value = Utils::member(ticket, name);
+        const auto& value = Utils::member(ticket, name);
         return value.is_null() ? std::wstring() : fromRestText(value.as_string());
     };
     entry.name = text(U("shortSubject"));
     entry.detail = text(U("shortDetail"));
     entry.clientName = text(U("displayClient"));
-    LOG4CXX_INFO(m_logger, L"From server's response we created a ticket: "
-                               << L"id: " << entry.id << L" Name: " << entry.name << L" Detail: "
-                               << entry.detail << L" ClientName: " << entry.clientName);
+    LUMO_LINE(m_logger, Info,
+              L"From server's response we created a ticket: " << L"id: " << entry.id << L" Name: "
+                                                              << entry.name << L" Detail: " << entry.detail
+                                                              << L" ClientName: " << entry.clientName);
     m_ticketList.push_back(std::move(entry));
 }
 } // namespace VantryIntegrationApi

@@ -9,6 +9,7 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include <array>
+#include <stdexcept>
 
 using Platform::fromRestText;
 using Platform::toRestText;
@@ -20,7 +21,7 @@ std::wstring LoadStringW(std::uint32_t id)
 {
     const LumoLogBlock block(CVantryApi::m_logger, "VantryIntegrationApi::Utils::LoadStringW");
     std::array<wchar_t, 512> text{};
-    // ERROR_RESOURCE_NAME_NOT_FOUND and its kin leave the buffer as it is: an empty text.
+    // ERROR_RESOURCE_NAME_NOT_FOUND and other errors leave the buffer as it is: an empty text.
     ::LoadStringW(Platform::moduleHandle(), id, text.data(), static_cast<int>(text.size()));
     return text.data();
 }
@@ -42,34 +43,40 @@ std::wstring baseAddress(const uri& url)
 
 bool isSecureScheme(const std::wstring& url)
 {
-    // The library's URI has its scheme in small letters: as the host wrote it, it stands in the text alone.
+    // The REST SDK's URI lowers the letters of its scheme. Whether the host wrote capitals only its own text
+    // tells.
     return uri(toRestText(url)).scheme() == U("https") && boost::starts_with(url, L"https");
 }
 
-utility::string_t rawQueryText(const std::wstring& text)
+utility::string_t minimallyEncoded(const std::wstring& text)
 {
     auto encoded = uri::encode_uri(toRestText(text), uri::components::query);
-    // The library also encodes "+" and "%", which have a raw form. "%" last: it may begin what was a "%2B".
+    // The library also encodes "+" and "%", which have a raw form. "%" comes last: an encoded one may stand
+    // before a "2B" that is the text's own.
     boost::replace_all(encoded, U("%2B"), U("+"));
     boost::replace_all(encoded, U("%25"), U("%"));
     return encoded;
 }
 
+utility::string_t encoded(const std::wstring& text)
+{
+    return uri::encode_data_string(toRestText(text));
+}
+
+std::optional<std::wstring> shownInQuery(const std::wstring& text)
+{
+    try {
+        return fromRestText(encoded(text));
+    } catch (const std::range_error&) {
+        return std::nullopt;
+    }
+}
+
 utility::string_t credentialQuery(const std::wstring& userName, const std::wstring& password)
 {
     return web::uri_builder()
-        .append_query(U("username=") + uri::encode_data_string(toRestText(userName)), false)
-        .append_query(U("password=") + uri::encode_data_string(toRestText(password)), false)
+        .append_query(U("username=") + encoded(userName), false)
+        .append_query(U("password=") + encoded(password), false)
         .query();
-}
-
-web::json::value member(const web::json::value& object, const utility::char_t* name)
-{
-    return object.is_object() && object.has_field(name) ? object.at(name) : web::json::value::null();
-}
-
-std::wstring jsonText(const web::json::value& value)
-{
-    return fromRestText(value.serialize());
 }
 } // namespace VantryIntegrationApi::Utils

@@ -1,12 +1,11 @@
 /// @file
-/// Helpers of the client that need none of its state.
+/// Helpers of the client that need none of its state: its texts and addresses.
 #pragma once
 
-#include "TAVIKVANTRYAPI.h"
+#include <cpprest/base_uri.h>
 
-#include <cpprest/http_client.h>
-
-#include <functional>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace VantryIntegrationApi::Utils
@@ -25,29 +24,18 @@ std::wstring baseAddress(const web::uri& url);
 /// @throws web::uri_exception if `url` cannot be parsed; std::range_error if it is malformed text
 bool isSecureScheme(const std::wstring& url);
 
-/// `text` for a query as it is, except for characters that have no raw form in a URI: these are
-/// percent-encoded.
+/// `text` for a query, percent-encoded only where a character has no raw form in a URI.
 /// @throws std::range_error if `text` is malformed
-utility::string_t rawQueryText(const std::wstring& text);
+utility::string_t minimallyEncoded(const std::wstring& text);
+
+/// `text` for a query, percent-encoded wherever it is neither letter nor digit nor one of "-._~".
+/// @throws std::range_error if `text` is malformed
+utility::string_t encoded(const std::wstring& text);
+
+/// `text` as `encoded` shows it in a query; none for malformed text, which no query shows.
+std::optional<std::wstring> shownInQuery(const std::wstring& text);
 
 /// Query elements "username=" and "password=", encoded, in this order.
 /// @throws std::range_error if a text is malformed
 utility::string_t credentialQuery(const std::wstring& userName, const std::wstring& password);
-
-/// The member `name` of `object`; JSON null where there is none.
-web::json::value member(const web::json::value& object, const utility::char_t* name);
-
-/// JSON text of `value`, as the serializer writes it.
-/// @throws std::range_error if it is malformed text
-std::wstring jsonText(const web::json::value& value);
-
-/// Calls `method` and turns every exception into a status. Never throws.
-ResponseStatus safe_CallMethod(const std::function<ResponseStatus()>& method);
-
-/// The JSON value of an answer's body, read by its content type alone; JSON null where it has no readable
-/// one.
-/// @throws std::exception if a body of a text type cannot be read or parsed; the task fails in the same way
-/// for
-///         a body of the JSON type
-pplx::task<web::json::value> handleResponse(web::http::http_response& response);
 } // namespace VantryIntegrationApi::Utils

@@ -1,5 +1,7 @@
 #include "VantryApi.h"
 
+#include "Utils.h"
+
 namespace VantryIntegrationApi
 {
 CVantryApi::CVantryApi()
@@ -19,6 +21,7 @@ void CVantryApi::setCredentials(const std::wstring& userName, const std::wstring
     const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::setCredentials");
     m_userName = userName;
     m_password = password;
+    Lumo::hidePassword(Utils::shownInQuery(m_password).value_or(L""));
 }
 
 void CVantryApi::setValidateCertificateCallback(ValidateCertificateCallback callback)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "LumoLogging.h"
+#include "ResponseHandling.h"
 #include "TAVIKVANTRYAPI.h"
 
 #include <cpprest/http_client.h>
@@ -73,15 +74,16 @@ public:
     /// One JSON exchange with the endpoint; `body` is sent with POST and PUT only.
     /// @throws whatever the HTTP and JSON libraries throw
     ResponseStatus unsafe_sendRequest(const web::uri& requestUri, const std::wstring& method,
-                                      const web::json::value& body, web::json::value& result);
+                                      const web::json::value& body, Utils::JsonAnswer& result);
 
     /// Logger of everything but the exports.
     static log4cxx::LoggerPtr m_logger;
 
 private:
-    using ResponseReader = std::function<pplx::task<web::json::value>(web::http::http_response&)>;
+    using ResponseReader = std::function<pplx::task<Utils::JsonAnswer>(web::http::http_response&)>;
 
-    /// Both texts come from the server together and are sent back together.
+    /// Both texts come from the server together and are sent back together; they are named as members of the
+    /// client, which they are.
     struct SessionData
     {
         std::wstring m_sessionKey;
@@ -105,24 +107,33 @@ private:
                                                        const Attachment& attachment);
 
     ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
-                                                     web::json::value& result);
+                                                     Utils::JsonAnswer& result);
     ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
-                                                     const web::json::value& body, web::json::value& result);
+                                                     const web::json::value& body, Utils::JsonAnswer& result);
 
     /// Sends `request` to `base` through a client of its own and waits for the answer's JSON value, which
     /// goes into `result`. Returns the answer's status code and reason phrase.
-    ResponseStatus exchange(const wchar_t* caller, const web::uri& base,
-                            const web::http::http_request& request, const ResponseReader& reader,
-                            web::json::value& result);
+    ResponseStatus exchange(const wchar_t* caller, const web::uri& base, web::http::http_request& request,
+                            const ResponseReader& reader, Utils::JsonAnswer& result);
 
-    void LogUsedUrl(std::wstring url, std::wstring operation) const;
+    /// The info line of an answer that is not null.
+    static void logAnswer(const wchar_t* caller, const web::json::value& answer);
 
-    /// Runs a step that prepares the request. A standard exception ends the operation: it is logged, becomes
-    /// the last response (600), and the answer is false.
+    /// What every operation does: prepares its request, has the server's certificate validated and sends.
+    /// False if it came to no sending; the last response then says why.
+    bool perform(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
+                 const std::function<ResponseStatus(const web::uri&)>& send);
+
+    /// Runs a step before the sending. A standard exception ends the operation: it is logged, becomes the
+    /// last response (600), and the answer is false.
     bool prepare(const wchar_t* operation, const std::function<void()>& step);
 
     /// Whether the server's certificate lets the operation go on; says so in the log if not.
-    bool validateOrStop(const wchar_t* operation);
+    bool certificateIsTrusted(const wchar_t* operation);
+
+    /// `LogUsedUrl`, if its line is wanted.
+    void logUsedUrl(const web::uri& url, const wchar_t* operation) const;
+    void LogUsedUrl(std::wstring url, std::wstring operation) const;
 
     web::http::client::http_client_config getClientConfig(bool validate);
     bool validateCertificateRequest();

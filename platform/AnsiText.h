@@ -7,8 +7,8 @@
 
 namespace Platform
 {
-/// Wide text of `text`. Bytes that are no text become U+FFFD or what the code page has for it; never fails
-/// but for memory, so that it can be used while an exception is handled.
+/// Wide text of `text`. Bytes that are no text become U+FFFD or what the code page has for it, so that it
+/// can be used while an exception is handled: nothing but `std::bad_alloc` leaves it.
 std::wstring fromAnsi(std::string_view text);
 
 /// `text` in the code page; characters that it lacks become its default character.

@@ -1,5 +1,6 @@
 /// @file
-/// The library's wide text as text of the REST SDK, and back.
+/// The library's wide text as text of the REST SDK, and back. Text of the host is tested, text of the server
+/// is read leniently.
 #pragma once
 
 #include <cpprest/details/basic_types.h>
@@ -11,6 +12,10 @@ namespace Platform
 /// @throws std::range_error if `text` is malformed
 utility::string_t toRestText(const std::wstring& text);
 
-/// @throws std::range_error if `text` is malformed
+/// Wide text of what a server sent: whatever in it is no well-formed text becomes U+FFFD.
 std::wstring fromRestText(const utility::string_t& text);
+
+/// A server's UTF-8 as text of the REST SDK: whatever in it is no well-formed text is, or in `fromRestText`
+/// becomes, U+FFFD.
+utility::string_t restTextOfUtf8(std::string utf8);
 } // namespace Platform

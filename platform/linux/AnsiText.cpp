@@ -1,28 +1,16 @@
 #include "AnsiText.h"
 
-#include <boost/locale/encoding_utf.hpp>
+#include "Utf8.h"
 
-#include <stdexcept>
-
-namespace utf = boost::locale::utf;
-
-std::wstring Platform::fromAnsi(std::string_view text)
+namespace Platform
 {
-    constexpr wchar_t replacement = 0xFFFD;
-    std::wstring wide;
-    wide.reserve(text.size());
-    for (const auto* next = text.begin(); next != text.end();) {
-        const auto codePoint = utf::utf_traits<char>::decode(next, text.end());
-        wide.push_back(utf::is_valid_codepoint(codePoint) ? static_cast<wchar_t>(codePoint) : replacement);
-    }
-    return wide;
+std::wstring fromAnsi(std::string_view text)
+{
+    return fromUtf8(text);
 }
 
-std::string Platform::toAnsi(const std::wstring& text)
+std::string toAnsi(const std::wstring& text)
 {
-    try {
-        return boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
-    } catch (const boost::locale::conv::conversion_error&) {
-        throw std::range_error("malformed wide text");
-    }
+    return toUtf8(text);
 }
+} // namespace Platform

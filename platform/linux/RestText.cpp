@@ -1,25 +1,21 @@
 #include "RestText.h"
 
-#include <boost/locale/encoding_utf.hpp>
+#include "Utf8.h"
 
-#include <stdexcept>
-
-namespace conv = boost::locale::conv;
-
-utility::string_t Platform::toRestText(const std::wstring& text)
+namespace Platform
 {
-    try {
-        return conv::utf_to_utf<char>(text, conv::stop);
-    } catch (const conv::conversion_error&) {
-        throw std::range_error("malformed wide text");
-    }
+utility::string_t toRestText(const std::wstring& text)
+{
+    return toUtf8(text);
 }
 
-std::wstring Platform::fromRestText(const utility::string_t& text)
+std::wstring fromRestText(const utility::string_t& text)
 {
-    try {
-        return conv::utf_to_utf<wchar_t>(text, conv::stop);
-    } catch (const conv::conversion_error&) {
-        throw std::range_error("malformed UTF-8 text");
-    }
+    return fromUtf8(text);
 }
+
+utility::string_t restTextOfUtf8(std::string utf8)
+{
+    return utf8;
+}
+} // namespace Platform

@@ -45,7 +45,11 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     if (window == nullptr || !window->post) {
         return 0;
     }
-    window->post(message, wParam, lParam);
+    try {
+        window->post(message, wParam, lParam);
+    } catch (...) { // nothing of the host's gets past the call, which the system's own would not throw either
+        return 0;
+    }
     return 1;
 }
 

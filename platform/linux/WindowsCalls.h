@@ -7,7 +7,7 @@
 using BOOL = int;
 using HINSTANCE = struct HINSTANCE__*;
 
-/// Calls the window's `post` on this thread. False for a null window or an empty function.
+/// Calls the window's `post` on this thread. False for a null window, an empty function or one that throws.
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 /// Copies a text of the library's table, cut to `size` - 1 characters; returns its length, 0 for an unknown

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <array>
+#include <stdexcept>
 
 // MultiByteToWideChar, WideCharToMultiByte: ERROR_INSUFFICIENT_BUFFER where a text does not fit;
 // ERROR_INVALID_PARAMETER for an empty text, which is therefore never passed; ERROR_INVALID_FLAGS and
@@ -31,7 +32,9 @@ std::wstring Platform::fromAnsi(std::string_view text)
 
 std::string Platform::toAnsi(const std::wstring& text)
 {
-    requireWellFormed(text);
+    if (firstMalformed(text) != text.size()) {
+        throw std::range_error("malformed wide text");
+    }
     if (text.empty()) {
         return {};
     }

@@ -1,15 +1,33 @@
 #include "RestText.h"
 
+#include "Utf8.h"
 #include "WideText.h"
 
-utility::string_t Platform::toRestText(const std::wstring& text)
+#include <stdexcept>
+
+namespace Platform
 {
-    requireWellFormed(text);
+utility::string_t toRestText(const std::wstring& text)
+{
+    if (firstMalformed(text) != text.size()) {
+        throw std::range_error("malformed wide text");
+    }
     return text;
 }
 
-std::wstring Platform::fromRestText(const utility::string_t& text)
+std::wstring fromRestText(const utility::string_t& text)
 {
-    requireWellFormed(text);
-    return text;
+    constexpr wchar_t replacement = 0xFFFD;
+    std::wstring wellFormed = text;
+    for (auto at = firstMalformed(wellFormed); at != wellFormed.size();
+         at = firstMalformed(wellFormed, at + 1)) {
+        wellFormed[at] = replacement;
+    }
+    return wellFormed;
 }
+
+utility::string_t restTextOfUtf8(std::string utf8) // NOLINT(performance-unnecessary-value-param): as on Linux
+{
+    return fromUtf8(utf8);
+}
+} // namespace Platform

@@ -2,15 +2,14 @@
 
 #include <windows.h>
 
-#include <stdexcept>
-
-void Platform::requireWellFormed(const std::wstring& text)
+std::size_t Platform::firstMalformed(const std::wstring& text, std::size_t from)
 {
-    for (auto unit = text.begin(); unit != text.end(); ++unit) {
-        if (IS_HIGH_SURROGATE(*unit) && unit + 1 != text.end() && IS_LOW_SURROGATE(unit[1])) {
+    for (auto unit = from; unit < text.size(); ++unit) {
+        if (IS_HIGH_SURROGATE(text[unit]) && unit + 1 < text.size() && IS_LOW_SURROGATE(text[unit + 1])) {
             ++unit;
-        } else if (IS_HIGH_SURROGATE(*unit) || IS_LOW_SURROGATE(*unit)) {
-            throw std::range_error("malformed wide text");
+        } else if (IS_HIGH_SURROGATE(text[unit]) || IS_LOW_SURROGATE(text[unit])) {
+            return unit;
         }
     }
+    return text.size();
 }

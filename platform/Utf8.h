@@ -1,0 +1,15 @@
+/// @file
+/// UTF-8 and wide text, the same on both targets.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Platform
+{
+/// @throws std::range_error if `text` is malformed
+std::string toUtf8(const std::wstring& text);
+
+/// Whatever in `utf8` is no well-formed text becomes U+FFFD.
+std::wstring fromUtf8(std::string_view utf8);
+} // namespace Platform
