@@ -27,9 +27,13 @@
 #include <string>
 #include <vector>
 
+/// Version of this header: major * 10000 + minor * 100 + patch. The DLL's own version is in its version
+/// resource.
+#define TAVIKVANTRYAPI_VERSION 10000
+
 /// Posted to the window of `SetHWND` once at the end of every asynchronous operation, after its results have
 /// been written; `wParam` and `lParam` are 0.
-constexpr UINT WM_ASYNC_REQUEST_FINISHED = 0x8100;
+constexpr unsigned int WM_ASYNC_REQUEST_FINISHED = 0x8100;
 
 /// Outcome of one operation.
 struct ResponseStatus

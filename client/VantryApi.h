@@ -5,6 +5,7 @@
 #include "LumoLogging.h"
 #include "ResponseHandling.h"
 #include "TAVIKVANTRYAPI.h"
+#include "WindowsCalls.h"
 
 #include <cpprest/http_client.h>
 

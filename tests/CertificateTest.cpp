@@ -4,6 +4,12 @@
 
 #include <stdexcept>
 
+#if __has_include(<wincrypt.h>)
+#include <windows.h>
+
+#include <wincrypt.h>
+#endif
+
 using namespace Trace;
 
 namespace

@@ -1,9 +1,44 @@
-// The header has to stand alone and to survive the macros that system headers of hosts define.
+// The header has to stand alone, to survive the macros of hosts and of system headers, and to bring none of
+// its own.
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
 #define min(a, b) (((a) < (b)) ? (a) : (b))
 #define max(a, b) (((a) > (b)) ? (a) : (b))
+#define near
+#define far
+#define small char
+#define interface struct
+#define IN
+#define OUT
+#define OPTIONAL
+#define ERROR 0
+#define DELETE 0x10000
+#define GetMessage GetMessageW
+#define U(text) L##text
 #include "TAVIKVANTRYAPI.h"
-#undef min
+#undef U
+#undef GetMessage
+#undef DELETE
+#undef ERROR
+#undef OPTIONAL
+#undef OUT
+#undef IN
+#undef interface
+#undef small
+#undef far
+#undef near
 #undef max
+#undef min
+#ifdef _WINDOWS_
+#error The header must not include windows.h.
+#endif
+
+// A host may include these later. Whether it may include them earlier, HeaderOrderTest.cpp tells.
+#if __has_include(<wincrypt.h>)
+#include <windows.h>
+
+#include <wincrypt.h>
+#endif
 
 #include <gtest/gtest.h>
 
@@ -19,9 +54,18 @@ TEST(PublicHeader, AFreshStatusSaysThatNothingHasHappened)
 TEST(PublicHeader, NumbersAreThoseOfTheBinaryInterface)
 {
     EXPECT_EQ(WM_ASYNC_REQUEST_FINISHED, 0x8100U);
+    EXPECT_TRUE((std::is_same_v<decltype(WM_ASYNC_REQUEST_FINISHED), const UINT>));
     EXPECT_EQ(Asset, 0);
     EXPECT_EQ(Client, 1);
     EXPECT_EQ(sizeof(VantryType), 4U);
     EXPECT_TRUE((std::is_same_v<decltype(ResponseStatus::httpStatusCode), std::int32_t>));
     EXPECT_TRUE((std::is_same_v<decltype(TechNote::workTime), std::uint32_t>));
+}
+
+TEST(PublicHeader, ACallbackReadsTheWholeCertificate)
+{
+    const ValidateCertificateCallback callback = [](const CERT_CONTEXT& certificate) {
+        return certificate.cbCertEncoded == 0;
+    };
+    EXPECT_TRUE(callback(CERT_CONTEXT{}));
 }

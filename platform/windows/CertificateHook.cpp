@@ -2,6 +2,7 @@
 
 #include "Module.h"
 #include "ModuleRelease.h"
+#include "WindowsCalls.h"
 
 #include <winhttp.h>
 

@@ -1,5 +1,7 @@
 /// @file
-/// The Windows calls that the library uses: the system's own.
+/// The Windows types and calls that the library uses: the system's own.
 #pragma once
 
-#include "VantryHostTypes.h"
+#include <windows.h>
+
+#include <wincrypt.h>

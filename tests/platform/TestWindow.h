@@ -5,14 +5,15 @@
 #include "TAVIKVANTRYAPI.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 
 struct PostedMessage
 {
-    UINT message;
-    WPARAM wParam;
-    LPARAM lParam;
+    unsigned int message;
+    std::uintptr_t wParam;
+    std::intptr_t lParam;
 };
 
 class TestWindow

@@ -1,7 +1,10 @@
 #include "CertificateInfo.h"
 #include "Text.h"
 
+#include <windows.h>
+
 #include <bcrypt.h>
+#include <wincrypt.h>
 
 #include <array>
 #include <iomanip>

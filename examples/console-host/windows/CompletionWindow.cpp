@@ -1,5 +1,7 @@
 #include "CompletionWindow.h"
 
+#include <windows.h>
+
 #include <system_error>
 
 struct CompletionWindow::State

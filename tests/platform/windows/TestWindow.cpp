@@ -1,5 +1,7 @@
 #include "TestWindow.h"
 
+#include <windows.h>
+
 #include <stdexcept>
 
 struct TestWindow::State
