@@ -15,11 +15,6 @@
 
 namespace
 {
-std::string toUtf8(const std::wstring& text)
-{
-    return boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
-}
-
 /// Reads a line of the console as UTF-16: the C runtime would hand over the console's code page.
 std::optional<std::string> readConsoleLine(HANDLE console)
 {

@@ -1,0 +1,40 @@
+#include <TAVIKVANTRYAPI.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <cstdlib>
+#include <iostream>
+
+/// Without a window an operation returns when it has ended; then its status tells how.
+template <typename Operation>
+bool succeeds(const wchar_t* task, int successCode, Operation operation)
+{
+    operation();
+    const ResponseStatus& response = GetLastResponse();
+    std::wcout << task << L": " << response.httpStatusCode << L' ' << response.errorMessage << std::endl;
+    return response.httpStatusCode == successCode;
+}
+
+int wmain(int argc, wchar_t** argv)
+{
+    _setmode(_fileno(stdout), _O_U8TEXT);
+    const wchar_t* const password = _wgetenv(L"VANTRY_PASSWORD");
+    if (argc != 4 || password == nullptr) {
+        std::wcout << L"usage: minimal-host ENDPOINT USER CLIENT, with VANTRY_PASSWORD set" << std::endl;
+        return EXIT_FAILURE;
+    }
+    SetEndPoint(argv[1]);
+    SetCredentials(argv[2], password);
+    const auto ticket = [&] { CreateTicket({argv[3], Client, L"Printer", L"It does not print."}); };
+    const auto note = [] { SaveTechNote({GetCreatedTicketID(), L"Refilled.", 15, true}); };
+    const auto file = [] { SaveAttachment({"Pages: 4711", L"counter.txt"}); };
+    const auto list = [&] { RequestTicketList(argv[3], Client); };
+    const bool isOpen = succeeds(L"Session", 200, CreateSession);
+    const bool isDone = isOpen && succeeds(L"Ticket", 201, ticket) && succeeds(L"Note", 201, note) &&
+                        succeeds(L"File", 201, file) && succeeds(L"List", 200, list);
+    for (const auto& entry : GetTicketList()) {
+        std::wcout << entry.id << L' ' << entry.name << std::endl;
+    }
+    return isOpen && succeeds(L"End", 200, CloseSession) && isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+}
