@@ -1,0 +1,101 @@
+#!/bin/bash
+# The licence texts and notices of what a package of the library redistributes, with our changes to each, and an
+# entry for its bill of materials (CycloneDX).
+source "$(dirname "$0")/../common.sh"
+
+recipes=$project/cmake/recipes
+licenses=$prefix/share/licenses
+bill=$prefix/share/sbom
+rm -rf "$licenses" "$bill"
+mkdir -p "$licenses" "$bill"
+
+rows() { grep --invert-match '^#' "$1"; }
+
+# archives NAME: file and sum of each archive that a recipe is built from
+archives() { rows "$recipes/sources" | awk -v name="$1" '$1 == name { print $3, $4 }'; }
+
+source_package() { rows "$recipes/sources" | awk -v name="$1" '$1 == name { print $2; exit }'; }
+
+# With Debian's patches, the version is that of the archive that holds them, which comes last.
+source_version() { archives "$1" | sed --quiet --regexp-extended '$ s/^[^_]*_(.*)\.(orig|debian)\.tar\..*/\1/p'; }
+
+# take_texts NAME TEXT...
+# From the top folder of the first archive: a second one holds Debian's patches.
+take_texts() {
+    local archive texts=("${@:2}")
+    read -r archive _ < <(archives "$1")
+    tar --extract --file="$sources/$archive" --directory="$licenses/$1" --transform='s|.*/||' \
+        --wildcards --no-wildcards-match-slash "${texts[@]/#/*/}"
+}
+
+# take_debian_texts NAME PACKAGE
+take_debian_texts() { cp "/usr/share/doc/$2/copyright" "$licenses/$1/"; }
+
+# take_changes NAME
+# Our own patches mark what was changed here.
+take_changes() {
+    local patch
+    for patch in "$recipes/$1"/*.patch; do
+        [ ! -e "$patch" ] || cp "$patch" "$licenses/$1/CHANGED-$(basename "$patch")"
+    done
+}
+
+# list COMMAND...: its lines as elements of a JSON list
+list() { "$@" | paste --serial --delimiters=,; }
+
+archive_entries() {
+    archives "$1" | while read -r file sum; do
+        printf '{"type": "file", "name": "%s", "hashes": [{"alg": "SHA-256", "content": "%s"}]}\n' "$file" "$sum"
+    done
+}
+
+patch_entries() {
+    (cd "$licenses" && find "$1" -name '*.patch' -printf '{"type": "unofficial", "diff": {"url": "licenses/%p"}}\n')
+}
+
+# describe NAME LICENCE VERSION PACKAGE_URL
+describe() {
+    cat > "$bill/$1.json" << END
+    {
+      "type": "library",
+      "bom-ref": "$1",
+      "name": "$1",
+      "version": "$3",
+      "licenses": [{"expression": "${2//_/ }"}],
+      "purl": "$4",
+      "pedigree": {"patches": [$(list patch_entries "$1")]},
+      "components": [$(list archive_entries "$1")]
+    }
+END
+}
+
+while read -r name licence origin texts; do
+    mkdir "$licenses/$name"
+    if [ "$origin" = source ]; then
+        # shellcheck disable=SC2086 # a list of names without blanks
+        take_texts "$name" $texts
+        take_changes "$name"
+        version=$(source_version "$name")
+        describe "$name" "$licence" "$version" "pkg:deb/debian/$(source_package "$name")@${version//+/%2B}?arch=source"
+    else
+        take_debian_texts "$name" "$origin"
+        version=$(dpkg-query --show --showformat='${Version}' "$origin")
+        describe "$name" "$licence" "$version" "pkg:deb/debian/$origin@${version//+/%2B}"
+    fi
+done < <(rows "$recipe_dir/components")
+
+# A header inside the REST SDK has a licence of its own, which is its first comment.
+mkdir "$licenses/safeint"
+read -r archive _ < <(archives cpprestsdk)
+tar --extract --to-stdout --file="$sources/$archive" --wildcards '*/SafeInt3.hpp' |
+    sed --quiet '1,/\*\//p' > "$licenses/safeint/license.txt"
+describe safeint MS-PL "$(sed --quiet 's/^Version //p' "$licenses/safeint/license.txt")" pkg:generic/safeint
+
+# Debian refers to the text of the GPL, and gives the licences of Boost's documentation on 40,000 lines more.
+cp /usr/share/common-licenses/GPL-3 "$licenses/gcc/"
+sed --quiet --in-place '/Boost Software License - Version 1.0/,/^$/p' "$licenses/boost/copyright"
+
+if find "$licenses" -type f -empty | grep .; then
+    echo "These texts are not where they are looked for." >&2
+    exit 1
+fi
