@@ -1,7 +1,6 @@
 #include "Module.h"
 #include "VantryApi.h"
 
-#include <thread>
 #include <tuple>
 
 namespace VantryIntegrationApi
@@ -16,8 +15,7 @@ void CVantryApi::dispatch(const char* name, void (CVantryApi::*operation)(Parame
         return;
     }
     LUMO_LINE(m_logger, Trace, "Async. " << name << "()");
-    std::thread([this, operation, copies = std::tuple<std::decay_t<Parameters>...>(arguments...),
-                 module = Platform::ModuleReference()] {
+    Platform::startThread([this, operation, copies = std::tuple<std::decay_t<Parameters>...>(arguments...)] {
         try {
             std::apply([&](const auto&... copied) { (this->*operation)(copied...); }, copies);
         } catch (...) {
@@ -25,7 +23,7 @@ void CVantryApi::dispatch(const char* name, void (CVantryApi::*operation)(Parame
             // stack first, and so to have the window told.
             throw;
         }
-    }).detach();
+    });
 }
 
 void CVantryApi::wrpSaveTechNote(const TechNote& techNote)

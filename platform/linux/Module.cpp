@@ -1,5 +1,6 @@
 #include "Module.h"
 
+#include <thread>
 #include <utility>
 
 // The shared object is linked never to be unloaded (nodelete), since threads of the REST SDK may outlive any
@@ -10,10 +11,7 @@ HINSTANCE Platform::moduleHandle() noexcept
     return nullptr;
 }
 
-Platform::ModuleReference::ModuleReference() : m_module(moduleHandle()) {}
-
-Platform::ModuleReference::~ModuleReference() = default;
-
-Platform::ModuleReference::ModuleReference(ModuleReference&& other) noexcept
-    : m_module(std::exchange(other.m_module, nullptr))
-{}
+void Platform::startThread(std::function<void()> work)
+{
+    std::thread(std::move(work)).detach();
+}

@@ -4,6 +4,7 @@
 #include "TaskScheduler.h"
 
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace
@@ -21,8 +22,16 @@ void CALLBACK threadEnded(PTP_CALLBACK_INSTANCE instance, PVOID context, PTP_WAI
 {
     const std::unique_ptr<EndingThread> ending(static_cast<EndingThread*>(context));
     FreeLibraryWhenCallbackReturns(instance, ending->module);
-    CloseHandle(ending->thread); // ERROR_INVALID_HANDLE: not for our own duplicate
+    CloseHandle(ending->thread); // ERROR_INVALID_HANDLE: not for our own handle
     CloseThreadpoolWait(wait);
+}
+
+/// noexcept: what leaves the work ends the process.
+DWORD WINAPI runWork(LPVOID argument) noexcept
+{
+    const std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()>*>(argument));
+    (*work)();
+    return 0;
 }
 } // namespace
 
@@ -50,26 +59,23 @@ HINSTANCE Platform::holdModule() noexcept
     return module;
 }
 
-Platform::ModuleReference::ModuleReference() : m_module(holdModule()) {}
-
-Platform::ModuleReference::ModuleReference(ModuleReference&& other) noexcept
-    : m_module(std::exchange(other.m_module, nullptr))
-{}
-
-// Whatever fails here leaves the module loaded for good, which is the safe side.
-Platform::ModuleReference::~ModuleReference()
+// No std::thread: that of mingw-w64 (winpthreads) ends with locks held that the run-time's own clean-up takes
+// at the end of the process. A process that ends in that moment kills the thread and then waits for it for
+// ever. A thread of the system does its clean-up under the loader's lock, which the end of the process waits
+// for first.
+void Platform::startThread(std::function<void()> work)
 {
-    if (m_module == nullptr) {
-        return;
+    auto owned = std::make_unique<std::function<void()>>(std::move(work));
+    auto ending = std::make_unique<EndingThread>(EndingThread{holdModule(), nullptr});
+    ending->thread = CreateThread(nullptr, 0, &runWork, owned.get(), 0, nullptr);
+    if (ending->thread == nullptr) { // ERROR_NOT_ENOUGH_MEMORY, ERROR_MAX_THRDS_REACHED
+        const auto error = static_cast<int>(GetLastError());
+        FreeLibrary(ending->module); // not the last reference: this code is still running
+        throw std::system_error(error, std::system_category(), "CreateThread");
     }
-    auto ending = std::make_unique<EndingThread>(EndingThread{m_module, nullptr});
-    // ERROR_NO_SYSTEM_RESOURCES
-    if (DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &ending->thread,
-                        SYNCHRONIZE, FALSE, 0) == FALSE) {
-        return;
-    }
-    auto* wait = CreateThreadpoolWait(&threadEnded, ending.get(), nullptr); // null: ERROR_NOT_ENOUGH_MEMORY
-    if (wait == nullptr) {
+    static_cast<void>(owned.release()); // runWork owns it now
+    auto* wait = CreateThreadpoolWait(&threadEnded, ending.get(), nullptr);
+    if (wait == nullptr) { // ERROR_NOT_ENOUGH_MEMORY: the module stays loaded, which is the safe side
         CloseHandle(ending->thread);
         return;
     }
