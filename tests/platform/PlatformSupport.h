@@ -2,6 +2,7 @@
 /// What the suite needs of the platform besides a window.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,14 @@ void trustAuthority(const std::string& pemFile, const std::string& der);
 
 /// Takes that trust back for connections to come.
 void distrustAuthority(const std::string& der);
+
+bool isWindows();
+
+/// Whether a sanitizer runs along.
+bool isSanitized();
+
+/// Memory of this process that is in use, in bytes.
+std::size_t residentMemory();
 
 /// Whether the HTTP stack takes a body that ends before its Content-Length for an error.
 bool reportsShortBodies();

@@ -26,6 +26,9 @@ public:
 
     HWND handle() const;
 
+    /// From now on the window is gone: nothing that is posted to it arrives.
+    void die();
+
     /// The next message that was posted to the window; nothing if none comes within the limit.
     std::optional<PostedMessage> next(std::chrono::milliseconds limit);
 

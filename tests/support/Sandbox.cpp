@@ -64,6 +64,12 @@ Answer::Answer(int status, const std::string& body, const std::string& contentTy
     }
 }
 
+Answer& Answer::of(const std::string& method)
+{
+    m_plan[_XPLATSTR("method")] = json::value(to_string_t(method));
+    return *this;
+}
+
 Answer& Answer::to(const std::string& path)
 {
     m_plan[_XPLATSTR("path")] = json::value(to_string_t(path));
@@ -90,10 +96,23 @@ Answer& Answer::cutAfter(int bytes)
 
 Answer Answer::bytes(const std::string& raw)
 {
+    return script({{raw}}, "close");
+}
+
+Answer Answer::script(const std::vector<Step>& steps, const std::string& then)
+{
+    std::vector<json::value> orders;
+    for (const auto& step : steps) {
+        auto& order = orders.emplace_back(json::value::object());
+        order[_XPLATSTR("raw")] =
+            json::value(utility::conversions::to_base64({step.bytes.begin(), step.bytes.end()}));
+        order[_XPLATSTR("waitMs")] = json::value(step.waitMs);
+        order[_XPLATSTR("times")] = json::value(step.times);
+    }
     Answer answer(200);
     answer.m_plan = json::value::object();
-    answer.m_plan[_XPLATSTR("raw")] =
-        json::value(utility::conversions::to_base64(std::vector<unsigned char>(raw.begin(), raw.end())));
+    answer.m_plan[_XPLATSTR("steps")] = json::value::array(std::move(orders));
+    answer.m_plan[_XPLATSTR("then")] = json::value(to_string_t(then));
     return answer;
 }
 
@@ -141,6 +160,17 @@ void Sandbox::forgetRequests() const
 void Sandbox::plan(const Answer& answer) const
 {
     control(web::http::methods::POST, "/answers", answer.plan());
+}
+
+void Sandbox::planConnection(const json::value& fate) const
+{
+    control(web::http::methods::POST, "/connections", fate);
+}
+
+void Sandbox::forgetPlans() const
+{
+    control(web::http::methods::DEL, "/answers");
+    control(web::http::methods::DEL, "/connections");
 }
 
 void Sandbox::reset() const

@@ -2,6 +2,8 @@
 /// The stand-in server that every test has for itself, seen through its control interface.
 #pragma once
 
+#include "support/Step.h"
+
 #include <cpprest/http_client.h>
 #include <cpprest/json.h>
 
@@ -27,13 +29,17 @@ public:
     explicit Answer(int status, const std::string& body = "",
                     const std::string& contentType = "application/json");
 
-    Answer& to(const std::string& path); ///< only for requests of this path
+    Answer& of(const std::string& method); ///< only for requests of this method
+    Answer& to(const std::string& path);   ///< only for requests of this path
     Answer& header(const std::string& name, const std::string& value);
     Answer& after(int milliseconds);
     Answer& cutAfter(int bytes);
 
     /// Exactly these bytes.
     static Answer bytes(const std::string& raw);
+
+    /// Exactly these steps, and `then` what the control interface knows to do with the connection.
+    static Answer script(const std::vector<Step>& steps, const std::string& then);
 
     const web::json::value& plan() const { return m_plan; }
 
@@ -62,6 +68,10 @@ public:
     void forgetRequests() const;
 
     void plan(const Answer& answer) const;
+    /// The fate of a connection to come, in the control interface's words.
+    void planConnection(const web::json::value& fate) const;
+    /// Forgets what was planned and has not come.
+    void forgetPlans() const;
     void reset() const;
 
     web::json::value state() const;

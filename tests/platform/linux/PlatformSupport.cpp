@@ -2,7 +2,10 @@
 
 #include "support/Text.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <fstream>
 
 // OpenSSL reads the variable for every new context.
 void trustAuthority(const std::string& pemFile, const std::string& /*der*/)
@@ -13,6 +16,29 @@ void trustAuthority(const std::string& pemFile, const std::string& /*der*/)
 void distrustAuthority(const std::string& /*der*/)
 {
     setenv("SSL_CERT_FILE", "/dev/null", 1);
+}
+
+bool isWindows()
+{
+    return false;
+}
+
+bool isSanitized()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+std::size_t residentMemory()
+{
+    std::ifstream statm("/proc/self/statm");
+    std::size_t all = 0;
+    std::size_t resident = 0;
+    statm >> all >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 bool reportsShortBodies()

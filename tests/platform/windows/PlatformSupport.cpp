@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <psapi.h>
 #include <wincrypt.h>
 
 #include <memory>
@@ -47,6 +48,25 @@ void distrustAuthority(const std::string& der)
 {
     const auto store = rootsOfUser();
     CertDeleteCertificateFromStore(addedTo(store.get(), der));
+}
+
+bool isWindows()
+{
+    return true;
+}
+
+bool isSanitized()
+{
+    return false;
+}
+
+std::size_t residentMemory()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) == 0) {
+        throw std::runtime_error("GetProcessMemoryInfo failed with " + std::to_string(GetLastError()));
+    }
+    return counters.WorkingSetSize;
 }
 
 // WinHTTP's reading ends with what there is, at least in Wine.

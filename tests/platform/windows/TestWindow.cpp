@@ -21,6 +21,11 @@ TestWindow::TestWindow()
 
 TestWindow::~TestWindow()
 {
+    die();
+}
+
+void TestWindow::die()
+{
     DestroyWindow(m_state->window);
 }
 

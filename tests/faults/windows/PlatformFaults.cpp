@@ -1,0 +1,6 @@
+#include "faults/Fault.h"
+
+Section platformFaults()
+{
+    return {"Resources", {}};
+}
