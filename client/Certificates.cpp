@@ -1,4 +1,4 @@
-#include "CertificateHook.h"
+#include "ClientConfig.h"
 #include "GivenUp.h"
 #include "RestText.h"
 #include "StringTable.h"

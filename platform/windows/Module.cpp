@@ -1,6 +1,6 @@
 #include "Module.h"
 
-#include "ModuleRelease.h"
+#include "ModuleReferences.h"
 #include "TaskScheduler.h"
 
 #include <memory>
@@ -48,15 +48,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved
 HINSTANCE Platform::moduleHandle() noexcept
 {
     return ownModule;
-}
-
-HINSTANCE Platform::holdModule() noexcept
-{
-    HINSTANCE module = nullptr;
-    // ERROR_MOD_NOT_FOUND: not for an address of our own. Null is released as nothing.
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&holdModule),
-                       &module);
-    return module;
 }
 
 // No std::thread: that of mingw-w64 (winpthreads) ends with locks held that the run-time's own clean-up takes

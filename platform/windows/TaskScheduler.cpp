@@ -1,6 +1,6 @@
 #include "TaskScheduler.h"
 
-#include "ModuleRelease.h"
+#include "ModuleReferences.h"
 
 #include <pplx/pplxtasks.h>
 

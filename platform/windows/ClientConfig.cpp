@@ -1,87 +1,20 @@
-#include "CertificateHook.h"
+#include "ClientConfig.h"
 
-#include "Module.h"
-#include "ModuleRelease.h"
-#include "WindowsCalls.h"
+#include "CertificateHooks.h"
+#include "ModuleReferences.h"
 
 #include <winhttp.h>
 
 #include <atomic>
-#include <map>
 #include <memory>
-#include <mutex>
 #include <system_error>
-
-using Platform::CertificateHook;
 
 namespace
 {
-using SharedHook = std::shared_ptr<CertificateHook>;
+using Platform::SharedHook;
 
 /// The REST SDK's own callback, the same for all of its requests.
 std::atomic<WINHTTP_STATUS_CALLBACK> sdkCallback = nullptr;
-
-/// Hooks of the requests whose certificate is wanted. WinHTTP gives a handle's value to a new request before
-/// it has told that the old one is closed: so an entry lasts until the value is used again, and nothing else
-/// hangs on it.
-std::mutex hooksMutex;
-std::map<HINTERNET, SharedHook> hooks;
-
-/// How long WinHTTP's thread has for the way out of our code after its last callback. There is no notice of
-/// that moment to wait for; a thread needs microseconds.
-constexpr LONGLONG releaseDelay = -250LL * 10'000; // 250 ms, relative, in units of 100 ns
-
-void CALLBACK releaseModule(PTP_CALLBACK_INSTANCE instance, PVOID /*context*/, PTP_TIMER timer)
-{
-    FreeLibraryWhenCallbackReturns(instance, Platform::moduleHandle());
-    CloseThreadpoolTimer(timer);
-}
-
-/// Gives back the reference that a request held.
-void releaseModuleSoon()
-{
-    auto* timer = CreateThreadpoolTimer(&releaseModule, nullptr, nullptr);
-    if (timer == nullptr) { // ERROR_NOT_ENOUGH_MEMORY: the module stays loaded, which is the safe side
-        return;
-    }
-    ULARGE_INTEGER due;
-    due.QuadPart = static_cast<ULONGLONG>(releaseDelay);
-    FILETIME dueTime{due.LowPart, due.HighPart};
-    SetThreadpoolTimer(timer, &dueTime, 0, 0);
-}
-
-void showLeaf(HINTERNET request, const CertificateHook& hook)
-{
-    PCCERT_CONTEXT leaf = nullptr;
-    DWORD size = sizeof(leaf);
-    // ERROR_WINHTTP_INCORRECT_HANDLE_STATE: no TLS, or not yet (a proxy's CONNECT; another notification
-    // follows); ERROR_WINHTTP_INCORRECT_HANDLE_TYPE, ERROR_INSUFFICIENT_BUFFER: not for a request and this
-    // size
-    if (WinHttpQueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, &leaf, &size) == FALSE ||
-        leaf == nullptr) {
-        return;
-    }
-    const std::unique_ptr<const CERT_CONTEXT, BOOL(WINAPI*)(PCCERT_CONTEXT)> certificate(
-        leaf, &CertFreeCertificateContext);
-    hook(*certificate);
-}
-
-SharedHook hookOf(HINTERNET request)
-{
-    const std::lock_guard lock(hooksMutex);
-    const auto found = hooks.find(request);
-    return found == hooks.end() ? nullptr : found->second;
-}
-
-void setHook(HINTERNET request, const SharedHook& hook)
-{
-    const std::lock_guard lock(hooksMutex);
-    if (hook) {
-        hooks[request] = hook;
-    } else {
-        hooks.erase(request);
-    }
-}
 
 /// Stands before the REST SDK's own callback on each request handle. noexcept: no exception may pass through
 /// WinHTTP, and a certificate that could not be kept must not go on as one that was.
@@ -89,13 +22,11 @@ void CALLBACK requestStatus(HINTERNET request, DWORD_PTR context, DWORD status, 
                             DWORD length) noexcept
 {
     if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST) {
-        if (const auto hook = hookOf(request)) {
-            showLeaf(request, *hook);
-        }
+        Platform::showCertificate(request);
     }
     sdkCallback.load()(request, context, status, information, length);
     if (status == WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING) {
-        releaseModuleSoon();
+        Platform::releaseModuleSoon(); // the last callback of this request
     }
 }
 
@@ -116,7 +47,7 @@ void watch(HINTERNET request, const SharedHook& hook)
     constexpr DWORD flags = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
                             WINHTTP_CALLBACK_FLAG_REDIRECT;
-    setHook(request, hook);
+    Platform::wantCertificate(request, hook);
     // No notification comes before the request is sent, which is after this.
     auto* const previous = WinHttpSetStatusCallback(request, &requestStatus, flags, 0);
     if (previous == WINHTTP_INVALID_STATUS_CALLBACK) {

@@ -1,4 +1,4 @@
-#include "CertificateHook.h"
+#include "ClientConfig.h"
 
 #include "WindowsCalls.h"
 

@@ -1,5 +1,5 @@
 /// @file
-/// HTTP client configurations, and the hook that sees the certificate of a server.
+/// Configurations of the REST SDK's HTTP client.
 #pragma once
 
 #include "VantryHostTypes.h"

@@ -1,0 +1,46 @@
+#include "CertificateHooks.h"
+
+#include <map>
+#include <mutex>
+
+namespace
+{
+/// WinHTTP may give a handle's value to a new request before it has told that the old one is closed. So an
+/// entry lasts until its value is used again, and nothing else hangs on it.
+std::mutex hooksMutex;
+std::map<HINTERNET, Platform::SharedHook> hooks;
+
+Platform::SharedHook hookOf(HINTERNET request)
+{
+    const std::lock_guard lock(hooksMutex);
+    const auto found = hooks.find(request);
+    return found == hooks.end() ? nullptr : found->second;
+}
+} // namespace
+
+void Platform::wantCertificate(HINTERNET request, const SharedHook& hook)
+{
+    const std::lock_guard lock(hooksMutex);
+    if (hook) {
+        hooks[request] = hook;
+    } else {
+        hooks.erase(request);
+    }
+}
+
+void Platform::showCertificate(HINTERNET request)
+{
+    const auto hook = hookOf(request);
+    PCCERT_CONTEXT leaf = nullptr;
+    DWORD size = sizeof(leaf);
+    // ERROR_WINHTTP_INCORRECT_HANDLE_STATE: no TLS, or not yet (a proxy's CONNECT; another notification
+    // follows); ERROR_WINHTTP_INCORRECT_HANDLE_TYPE, ERROR_INSUFFICIENT_BUFFER: not for a request and this
+    // size
+    if (!hook || WinHttpQueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, &leaf, &size) == FALSE ||
+        leaf == nullptr) {
+        return;
+    }
+    const std::unique_ptr<const CERT_CONTEXT, BOOL(WINAPI*)(PCCERT_CONTEXT)> certificate(
+        leaf, &CertFreeCertificateContext);
+    (*hook)(*certificate);
+}
