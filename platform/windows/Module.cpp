@@ -3,6 +3,9 @@
 #include "ModuleReferences.h"
 #include "TaskScheduler.h"
 
+#include <log4cxx/logmanager.h>
+
+#include <atomic>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -10,6 +13,8 @@
 namespace
 {
 HINSTANCE ownModule = nullptr;
+std::atomic<unsigned> runningThreads = 0;
+const auto loggers = log4cxx::LogManager::getLoggerRepository();
 
 struct EndingThread
 {
@@ -31,16 +36,27 @@ DWORD WINAPI runWork(LPVOID argument) noexcept
 {
     const std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()>*>(argument));
     (*work)();
+    --runningThreads;
     return 0;
+}
+
+/// The end of the process has killed a thread, perhaps while it wrote a line. log4cxx, which is cleaned up
+/// after this module, would close that line's appender and wait for its lock for ever. So the appenders are
+/// never closed.
+void keepAppendersOpen()
+{
+    static_cast<void>(std::make_unique<log4cxx::spi::LoggerRepositoryPtr>(loggers).release());
 }
 } // namespace
 
 /// The loader calls it after the module's objects have been made.
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/)
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID endOfProcess)
 {
     if (reason == DLL_PROCESS_ATTACH) {
         ownModule = module;
         Platform::runTasksWithModuleHeld();
+    } else if (reason == DLL_PROCESS_DETACH && endOfProcess != nullptr && runningThreads != 0) {
+        keepAppendersOpen();
     }
     return TRUE;
 }
@@ -58,9 +74,11 @@ void Platform::startThread(std::function<void()> work)
 {
     auto owned = std::make_unique<std::function<void()>>(std::move(work));
     auto ending = std::make_unique<EndingThread>(EndingThread{holdModule(), nullptr});
+    ++runningThreads;
     ending->thread = CreateThread(nullptr, 0, &runWork, owned.get(), 0, nullptr);
     if (ending->thread == nullptr) { // ERROR_NOT_ENOUGH_MEMORY, ERROR_MAX_THRDS_REACHED
         const auto error = static_cast<int>(GetLastError());
+        --runningThreads;
         FreeLibrary(ending->module); // not the last reference: this code is still running
         throw std::system_error(error, std::system_category(), "CreateThread");
     }
