@@ -1,26 +1,74 @@
-# The ZIP for host developers: `cmake --build --preset windows-release --target package`.
+# The two ZIPs of the Windows target, each with its sha256 beside it:
+#   `cmake --build --preset windows-release --target package`             for host developers
+#   `cmake --build --preset windows-release --target package-self-check`  the tests, for any Windows
+
+get_filename_component(dependency_prefix ${log4cxx_DIR}/../../.. ABSOLUTE)
+set(runtime_dlls "")
+foreach(dll liblog4cxx libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
+  list(APPEND runtime_dlls ${dependency_prefix}/bin/${dll}.dll)
+endforeach()
+
+# Licences and bill of materials of the recipes' components that an installation redistributes.
+function(vantry_install_notices)
+  cmake_parse_arguments(PARSE_ARGV 0 ARG "" "" "COMPONENTS;OPTIONS")
+  install(
+    CODE "set(components ${ARG_COMPONENTS})
+set(dependency_prefix \"${dependency_prefix}\")
+set(product ${PROJECT_NAME})
+set(product_version ${PROJECT_VERSION})
+include(\"${CMAKE_CURRENT_FUNCTION_LIST_DIR}/InstallNotices.cmake\")"
+    ${ARG_OPTIONS})
+endfunction()
+set(library_components apr apr-util boost cpprestsdk expat gcc log4cxx mingw-w64 safeint)
+set(sandbox_components boost cli11 gcc mingw-w64 nlohmann-json openssl)
+
+# --- For host developers: the library, log4cxx, which is shared with the host, and examples.
 
 install(FILES $<TARGET_FILE:TAVIKVANTRYAPI>.debug DESTINATION ${CMAKE_INSTALL_BINDIR})
-
 install(FILES ${PROJECT_BINARY_DIR}/api/TAVIKVANTRYAPI.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(PROGRAMS $<TARGET_FILE:vantry-console-host> DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(DIRECTORY examples/console-host DESTINATION examples)
+install(PROGRAMS ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${dependency_prefix}/lib/liblog4cxx.dll.a DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${dependency_prefix}/include/log4cxx DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${log4cxx_DIR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake)
+install(TARGETS vantry-console-host)
+install(DIRECTORY examples/console-host examples/minimal-host DESTINATION examples)
 install(
   FILES docs/for-hosts.md
   DESTINATION .
   RENAME README.md)
+vantry_install_notices(COMPONENTS ${library_components} cli11)
 
-# log4cxx is shared with the host, so its development files belong to the package as much as its DLL.
-get_filename_component(dependency_prefix ${log4cxx_DIR}/../../.. ABSOLUTE)
-foreach(dll liblog4cxx libstdc++-6 libgcc_s_seh-1 libwinpthread-1)
-  install(PROGRAMS ${dependency_prefix}/bin/${dll}.dll DESTINATION ${CMAKE_INSTALL_BINDIR})
-endforeach()
-install(FILES ${dependency_prefix}/lib/liblog4cxx.dll.a DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${dependency_prefix}/include/log4cxx DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY ${log4cxx_DIR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake)
+# --- The self-check: everything that runs the tests without this project.
+
+set(self_check_options COMPONENT self-check EXCLUDE_FROM_ALL)
+if(TARGET vantry-self-check AND TARGET vantry-tests AND TARGET vantry-sandbox)
+  set(self_check_programs vantry-self-check vantry-tests vantry-whitebox-tests vantry-unload-tests vantry-sandbox)
+  install(TARGETS TAVIKVANTRYAPI ${self_check_programs} RUNTIME ${self_check_options})
+  install(PROGRAMS ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} ${self_check_options})
+  install(FILES self-check/self-check.cmd self-check/README.md DESTINATION . ${self_check_options})
+  set(self_check_components ${library_components} ${sandbox_components} googletest)
+  list(REMOVE_DUPLICATES self_check_components)
+  vantry_install_notices(COMPONENTS ${self_check_components} OPTIONS ${self_check_options})
+
+  set(self_check_config ${PROJECT_BINARY_DIR}/CPackSelfCheckConfig.cmake)
+  file(
+    WRITE ${self_check_config}
+    "include(\${CMAKE_CURRENT_LIST_DIR}/CPackConfig.cmake)
+set(CPACK_INSTALL_CMAKE_PROJECTS \"${PROJECT_BINARY_DIR};${PROJECT_NAME};self-check;/\")
+string(APPEND CPACK_PACKAGE_FILE_NAME -self-check)
+")
+  add_custom_target(
+    package-self-check
+    COMMAND ${CMAKE_CPACK_COMMAND} --config ${self_check_config}
+    COMMENT "Packing the self-check"
+    USES_TERMINAL VERBATIM)
+  add_dependencies(package-self-check TAVIKVANTRYAPI ${self_check_programs})
+endif()
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME TAVIKVANTRYAPI-${PROJECT_VERSION}-win64)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/dist)
 set(CPACK_PACKAGE_VENDOR "The TAVIKVANTRYAPI developers")
+set(CPACK_PACKAGE_CHECKSUM SHA256)
+set(CPACK_STRIP_FILES ON)
 include(CPack)

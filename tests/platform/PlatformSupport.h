@@ -9,6 +9,9 @@
 /// Makes this process trust the sandbox's certificate authority. Call it before the first TLS connection.
 void trustAuthority(const std::string& pemFile, const std::string& der);
 
+/// Whether the authority is trusted during all of the tests, so that those of other cases cannot be run.
+bool authorityStaysTrusted();
+
 /// Takes that trust back for connections to come.
 void distrustAuthority(const std::string& der);
 

@@ -120,7 +120,9 @@ Sandbox::Sandbox()
     : http(wide(environment("HTTP"))), https(wide(environment("HTTPS"))), user(wide(environment("USER"))),
       password(wide(environment("PASSWORD"))), authorityFile(environment("CA_FILE")),
       m_control(to_string_t(environment("CONTROL")))
-{}
+{
+    reset(); // it may have served another test before
+}
 
 std::vector<Request> Sandbox::allRequests() const
 {

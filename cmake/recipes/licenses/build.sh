@@ -29,7 +29,15 @@ take_texts() {
 }
 
 # take_debian_texts NAME PACKAGE
-take_debian_texts() { cp "/usr/share/doc/$2/copyright" "$licenses/$1/"; }
+take_debian_texts() {
+    cp "/usr/share/doc/$2/copyright" "$licenses/$1/"
+    case $1 in
+    gcc) cp /usr/share/common-licenses/GPL-3 "$licenses/$1/" ;; # which Debian only refers to
+    boost) # of 40,000 lines about its documentation, the licence
+        sed --quiet --in-place '/Boost Software License - Version 1.0/,/^$/p' "$licenses/$1/copyright"
+        ;;
+    esac
+}
 
 # take_changes NAME
 # Our own patches mark what was changed here.
@@ -53,6 +61,10 @@ patch_entries() {
     (cd "$licenses" && find "$1" -name '*.patch' -printf '{"type": "unofficial", "diff": {"url": "licenses/%p"}}\n')
 }
 
+text_entries() {
+    (cd "$licenses" && find "$1" -type f -printf '{"name": "licence text", "value": "licenses/%p"}\n')
+}
+
 # describe NAME LICENCE VERSION PACKAGE_URL
 describe() {
     cat > "$bill/$1.json" << END
@@ -64,6 +76,7 @@ describe() {
       "licenses": [{"expression": "${2//_/ }"}],
       "purl": "$4",
       "pedigree": {"patches": [$(list patch_entries "$1")]},
+      "properties": [$(list text_entries "$1")],
       "components": [$(list archive_entries "$1")]
     }
 END
@@ -91,10 +104,12 @@ tar --extract --to-stdout --file="$sources/$archive" --wildcards '*/SafeInt3.hpp
     sed --quiet '1,/\*\//p' > "$licenses/safeint/license.txt"
 describe safeint MS-PL "$(sed --quiet 's/^Version //p' "$licenses/safeint/license.txt")" pkg:generic/safeint
 
-# Debian refers to the text of the GPL, and gives the licences of Boost's documentation on 40,000 lines more.
-cp /usr/share/common-licenses/GPL-3 "$licenses/gcc/"
-sed --quiet --in-place '/Boost Software License - Version 1.0/,/^$/p' "$licenses/boost/copyright"
-
+for name in $(rows "$recipes/sources" | cut --delimiter=' ' --fields=1); do
+    if [ ! -e "$bill/$name.json" ]; then
+        echo "The table of components has no row for $name." >&2
+        exit 1
+    fi
+done
 if find "$licenses" -type f -empty | grep .; then
     echo "These texts are not where they are looked for." >&2
     exit 1

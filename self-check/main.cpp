@@ -1,0 +1,217 @@
+/// @file
+/// Runs each test of the test programs beside it in a process of its own, on the sandbox that it is started
+/// under, and writes a report: vantry-sandbox -- vantry-self-check REPORT
+#include "ProgramRun.h"
+#include "SystemDescription.h"
+#include "TrustedAuthority.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace
+{
+using namespace std::chrono_literals;
+
+struct TestProgram
+{
+    const wchar_t* name;
+    std::chrono::seconds limit; ///< for one test
+};
+
+constexpr std::array programs{TestProgram{L"vantry-tests.exe", 120s},
+                              TestProgram{L"vantry-whitebox-tests.exe", 120s},
+                              TestProgram{L"vantry-unload-tests.exe", 900s}};
+
+enum class Result
+{
+    passed,
+    failed,
+    notRun
+};
+
+/// To the console and to the report.
+class Report
+{
+public:
+    explicit Report(const std::filesystem::path& path) : m_file(path, std::ios::binary)
+    {
+        if (!m_file) {
+            throw std::runtime_error("cannot write " + path.u8string());
+        }
+    }
+
+    void line(const std::string& text)
+    {
+        std::cout << text << std::endl;
+        m_file << text << "\r\n" << std::flush;
+    }
+
+    /// What a program wrote, for the report alone.
+    void quote(const std::string& output)
+    {
+        std::istringstream lines(output);
+        for (std::string text; std::getline(lines, text);) {
+            text.erase(text.find_last_not_of('\r') + 1);
+            m_file << "    | " << text << "\r\n";
+        }
+        m_file << std::flush;
+    }
+
+private:
+    std::ofstream m_file;
+};
+
+bool contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+/// The names in what --gtest_list_tests prints: a suite a line, its tests indented below it.
+std::vector<std::string> parseList(const std::string& list)
+{
+    std::vector<std::string> names;
+    std::istringstream lines(list);
+    std::string suite;
+    for (std::string line; std::getline(lines, line);) {
+        const auto name = line.substr(0, line.find_first_of("#\r"));
+        const auto begin = name.find_first_not_of(' ');
+        const auto end = name.find_last_not_of(' ') + 1;
+        if (begin == 0 && name[end - 1] == '.') {
+            suite = name.substr(0, end);
+        } else if (begin == 2) {
+            names.push_back(suite + name.substr(begin, end - begin));
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> listTests(const std::filesystem::path& program)
+{
+    const auto run = runProgram(program, L"--gtest_list_tests", 60s);
+    auto names = parseList(run.output);
+    if (run.exitCode != 0 || names.empty()) {
+        throw std::runtime_error(program.u8string() + " lists no tests:\n" + run.output);
+    }
+    return names;
+}
+
+Result resultOf(const ProgramRun& run)
+{
+    if (run.exitCode != 0) {
+        return Result::failed;
+    }
+    if (contains(run.output, "[  SKIPPED ]")) {
+        return Result::notRun;
+    }
+    return contains(run.output, "[  PASSED  ] 1 test.") ? Result::passed : Result::failed;
+}
+
+class SelfCheck
+{
+public:
+    explicit SelfCheck(Report& report) : m_report(report) {}
+
+    void run(const std::filesystem::path& folder)
+    {
+        for (const auto& program : programs) {
+            const auto path = folder / program.name;
+            for (const auto& name : listTests(path)) {
+                runTest(path, name, program.limit);
+            }
+        }
+    }
+
+    void summarize()
+    {
+        m_report.line("");
+        m_report.line("Summary: " + std::to_string(count(Result::passed)) + " tests passed, " +
+                      std::to_string(count(Result::failed)) + " failed, " +
+                      std::to_string(count(Result::notRun)) + " not run");
+    }
+
+    bool allPassed() const { return count(Result::failed) == 0 && count(Result::passed) > 0; }
+
+private:
+    void runTest(const std::filesystem::path& program, const std::string& name, std::chrono::seconds limit)
+    {
+        const auto run =
+            runProgram(program, L"--gtest_filter=" + std::wstring(name.begin(), name.end()), limit);
+        const auto result = resultOf(run);
+        m_results.push_back(result);
+        const char* const words = result == Result::passed   ? "passed   "
+                                  : result == Result::failed ? "FAILED   "
+                                                             : "not run  ";
+        m_report.line(words + name);
+        if (result != Result::passed) {
+            m_report.quote(run.output);
+        }
+    }
+
+    long long count(Result result) const { return std::count(m_results.begin(), m_results.end(), result); }
+
+    Report& m_report;
+    std::vector<Result> m_results;
+};
+
+std::filesystem::path ownFolder()
+{
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return std::filesystem::path(path).parent_path();
+}
+
+bool checkSystem(Report& report)
+{
+    const char* const authority = std::getenv("VANTRY_SANDBOX_CA_FILE");
+    if (authority == nullptr) {
+        throw std::runtime_error("runs under vantry-sandbox: start self-check.cmd");
+    }
+    SetEnvironmentVariableW(L"VANTRY_SELF_CHECK", L"1"); // the tests leave the trusted authorities alone
+    const auto folder = ownFolder();
+    report.line("Self-check of TAVIKVANTRYAPI " + fileVersion(folder / "TAVIKVANTRYAPI.dll"));
+    report.line(describeSystem());
+    report.line("");
+    std::cout << "The tests need the certificate of their own server to be trusted until they have ended.\n"
+                 "Windows now asks you about \"Vantry Sandbox CA\"; it asks again before it is removed."
+              << std::endl;
+    SelfCheck check(report);
+    {
+        const TrustedAuthority trusted(authority);
+        check.run(folder);
+    }
+    const int left = removeSandboxAuthorities();
+    report.line("");
+    report.line("Certificates left behind: " + std::to_string(left));
+    check.summarize();
+    return check.allPassed();
+}
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    SetConsoleOutputCP(CP_UTF8);
+    try {
+        if (argc != 2) {
+            throw std::runtime_error("usage: vantry-sandbox -- vantry-self-check REPORT");
+        }
+        Report report(argv[1]);
+        try {
+            return checkSystem(report) ? EXIT_SUCCESS : EXIT_FAILURE;
+        } catch (const std::exception& error) {
+            report.line(std::string("The check could not be made: ") + error.what());
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "vantry-self-check: " << error.what() << std::endl;
+    }
+    return EXIT_FAILURE;
+}
