@@ -36,7 +36,15 @@ install(
   FILES docs/for-hosts.md
   DESTINATION .
   RENAME README.md)
-vantry_install_notices(COMPONENTS ${library_components} cli11)
+set(package_components ${library_components} cli11)
+if(TARGET vantry-desktop-host AND TARGET vantry-sandbox)
+  install(TARGETS vantry-desktop-host vantry-sandbox)
+  install(DIRECTORY examples/desktop-host DESTINATION examples)
+  install(FILES examples/desktop-host/try-it.cmd DESTINATION .)
+  list(APPEND package_components ${sandbox_components})
+  list(REMOVE_DUPLICATES package_components)
+endif()
+vantry_install_notices(COMPONENTS ${package_components})
 
 # --- The self-check: everything that runs the tests without this project.
 
