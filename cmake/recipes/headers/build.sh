@@ -6,5 +6,6 @@ source "$(dirname "$0")/../common.sh"
 mkdir -p "$prefix/include" "$prefix/share/cmake"
 ln -sfn /usr/include/boost "$prefix/include/boost"
 ln -sfn /usr/include/CLI "$prefix/include/CLI"
-# A copy, because a CMake package finds its headers relative to itself.
-cp -r /usr/share/cmake/CLI11 "$prefix/share/cmake/"
+ln -sfn /usr/include/nlohmann "$prefix/include/nlohmann"
+# Copies, because a CMake package finds its headers relative to itself.
+cp -r /usr/share/cmake/{CLI11,nlohmann_json} "$prefix/share/cmake/"
