@@ -2,8 +2,14 @@
 
 #include <openssl/types.h>
 
+#include <map>
 #include <memory>
 #include <string>
+
+namespace boost::asio::ssl
+{
+class context;
+}
 
 namespace sandbox
 {
@@ -21,27 +27,30 @@ enum class CertificateKind
 
 struct ServerCertificate
 {
-    std::string pem;
     std::string der;
-    std::string keyPem;
+    std::shared_ptr<boost::asio::ssl::context> tls; ///< that presents it
 };
 
 /// The certificate authority of this one run, with its revocation list.
 class CertificateAuthority
 {
 public:
+    /// @param crlUrl where its certificates say that the list is
     explicit CertificateAuthority(std::string crlUrl);
 
     std::string pem() const;
     std::string der() const;
     std::string revocationListDer() const;
 
-    /// A server's certificate for "localhost", with a key of its own.
-    ServerCertificate issue(CertificateKind kind) const;
+    /// A server's certificate for "localhost", issued when it is wanted first.
+    const ServerCertificate& certificate(CertificateKind kind);
 
 private:
+    ServerCertificate issue(CertificateKind kind) const;
+
     std::string m_crlUrl;
     std::shared_ptr<EVP_PKEY> m_key;
     std::shared_ptr<X509> m_certificate;
+    std::map<CertificateKind, ServerCertificate> m_issued;
 };
 } // namespace sandbox

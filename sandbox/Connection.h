@@ -2,7 +2,6 @@
 
 #include "Service.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl/stream.hpp>
@@ -13,6 +12,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,9 +22,8 @@
 
 namespace sandbox
 {
-/// One client's connection: reads requests, hands them to the service and writes its replies. Bytes are read
-/// here and fed to the parser, so that each request's own bytes are known exactly. A pending operation keeps
-/// the connection alive; it ends when none is left.
+/// One client's connection: reads requests, hands them to the service and writes its replies. A pending
+/// operation keeps the connection alive; it ends when none is left.
 template <typename Stream>
 class Connection : public std::enable_shared_from_this<Connection<Stream>>
 {
@@ -37,12 +36,7 @@ public:
     void start()
     {
         if constexpr (isSecure) {
-            m_stream.async_handshake(boost::asio::ssl::stream_base::server,
-                                     [self = this->shared_from_this()](ErrorCode error) {
-                                         if (!error) {
-                                             self->startRequest();
-                                         }
-                                     });
+            m_stream.async_handshake(boost::asio::ssl::stream_base::server, then(&Connection::startRequest));
         } else {
             startRequest();
         }
@@ -50,17 +44,12 @@ public:
 
     void misbehave(Misbehaviour misbehaviour)
     {
-        if (!misbehaviour.awaitsClient) {
-            send(std::move(misbehaviour.reply));
-            return;
+        m_reply = std::move(misbehaviour.reply);
+        if (misbehaviour.awaitsClient) {
+            m_stream.async_read_some(boost::asio::buffer(m_received), then(&Connection::goOn));
+        } else {
+            goOn();
         }
-        m_stream.async_read_some(boost::asio::buffer(m_received),
-                                 [self = this->shared_from_this(),
-                                  reply = std::move(misbehaviour.reply)](ErrorCode error, std::size_t) {
-                                     if (!error) {
-                                         self->send(reply);
-                                     }
-                                 });
     }
 
 private:
@@ -72,19 +61,33 @@ private:
     static constexpr std::size_t chunkSize = std::size_t{64} * 1024;
     static constexpr std::size_t headerLimit = std::size_t{64} * 1024;
     static constexpr std::size_t bodyLimit = std::size_t{512} * 1024 * 1024;
-    static constexpr std::size_t rawLimit =
-        bodyLimit + std::size_t{1024} * 1024; // chunk headers can outweigh the body
     static constexpr std::chrono::milliseconds lingerTime{200};
     static constexpr std::chrono::minutes silentTime{2};
+
+    /// The handler of an operation that is followed by another one, or by the connection's end if it fails.
+    auto then(void (Connection::*next)())
+    {
+        return [self = this->shared_from_this(), next](ErrorCode error, std::size_t /*length*/ = 0) {
+            if (error) {
+                self->drop();
+            } else if (self->socket().is_open()) {
+                ((*self).*next)();
+            }
+        };
+    }
+
+    void wait(std::chrono::milliseconds time, void (Connection::*next)())
+    {
+        m_timer.expires_after(time);
+        m_timer.async_wait(then(next));
+    }
 
     void startRequest()
     {
         m_parser.emplace();
-        m_parser->eager(true);
         m_parser->header_limit(headerLimit);
         m_parser->body_limit(bodyLimit);
-        m_raw.clear();
-        m_toldToContinue = false;
+        m_head.clear();
         if (m_unparsed.empty()) {
             read();
         } else {
@@ -112,94 +115,61 @@ private:
 
     void take(std::size_t length)
     {
+        if (m_parser || m_reply.afterwards == Afterwards::KeepAlive) {
+            m_unparsed.append(m_received.data(), length);
+        } else {
+            m_ignored += length;
+        }
         if (m_parser) {
-            m_unparsed.append(m_received.data(), length);
             parse();
-        } else if (m_reply.afterwards == Afterwards::KeepAlive) {
-            m_unparsed.append(m_received.data(), length);
-            read();
-        } else if (m_reply.afterwards == Afterwards::Stay && takesTooMuch(length)) {
-            readAfterSilence();
+        } else if (m_reply.afterwards == Afterwards::Stay && m_ignored >= chunkSize &&
+                   m_ignored < chunkSize + length) {
+            // A client that sends much is left waiting; but not for ever, since its goodbye stands behind
+            // all that it has sent.
+            wait(silentTime, &Connection::read);
         } else {
             read();
         }
     }
 
-    /// Once, when a silent connection has taken as much as it should before its client is left waiting.
-    bool takesTooMuch(std::size_t length)
-    {
-        const bool tookTooMuch = m_ignored >= chunkSize;
-        m_ignored += length;
-        return !tookTooMuch && m_ignored >= chunkSize;
-    }
-
-    /// A client that sends much is left waiting. Reading goes on in the end, because a client's goodbye
-    /// stands behind all that it has sent.
-    void readAfterSilence()
-    {
-        m_timer.expires_after(silentTime);
-        m_timer.async_wait([self = this->shared_from_this()](ErrorCode error) {
-            if (!error) {
-                self->read();
-            }
-        });
-    }
-
+    /// The parser stops behind the head first, whose bytes are kept as they are.
     void parse()
     {
+        const bool isHeadDone = m_parser->is_header_done();
+        m_parser->eager(isHeadDone);
         ErrorCode error;
         const std::size_t used = m_parser->put(boost::asio::buffer(m_unparsed), error);
-        m_raw.append(m_unparsed, 0, used);
-        m_unparsed.erase(0, used);
-        if (m_raw.size() > rawLimit) {
-            error = boost::beast::http::error::body_limit;
+        if (!isHeadDone) {
+            m_head.append(m_unparsed, 0, used);
         }
+        m_unparsed.erase(0, used);
         if (error && error != boost::beast::http::error::need_more) {
             refuse(error);
         } else if (m_parser->is_done()) {
             answer();
-        } else if (waitsForContinue()) {
-            tellToContinue();
+        } else if (!error && !m_unparsed.empty()) {
+            parse();
         } else {
             read();
         }
     }
 
-    bool waitsForContinue() const
-    {
-        return m_parser->is_header_done() && !m_toldToContinue &&
-               boost::iequals(m_parser->get()[boost::beast::http::field::expect], "100-continue");
-    }
-
-    void tellToContinue()
-    {
-        static constexpr std::string_view answer = "HTTP/1.1 100 Continue\r\n\r\n";
-        m_toldToContinue = true;
-        boost::asio::async_write(m_stream, boost::asio::buffer(answer),
-                                 [self = this->shared_from_this()](ErrorCode error, std::size_t) {
-                                     if (!error) {
-                                         self->read();
-                                     }
-                                 });
-    }
-
     void answer()
     {
-        const Request request = m_parser->release();
-        m_service.received({isSecure, std::string(view(request.method_string())),
-                            std::string(view(request.target())), std::move(m_raw)});
-        send(m_service.reply(request));
+        const auto received = std::make_shared<const ReceivedRequest>(
+            ReceivedRequest{isSecure, std::move(m_head), m_parser->release()});
+        m_service.received(received);
+        send(m_service.reply(received->request));
     }
 
     void refuse(ErrorCode error)
     {
-        namespace http = boost::beast::http;
-        m_raw += std::exchange(m_unparsed, {});
-        m_service.received({isSecure, {}, {}, std::move(m_raw)});
-        const unsigned status = error == http::error::body_limit     ? 413
-                                : error == http::error::header_limit ? 431
-                                                                     : 400;
-        send({{{serialize(errorAnswer(status, error.message()), false)}}, Afterwards::Close});
+        m_head += m_parser->get().body() + std::exchange(m_unparsed, {});
+        m_service.received(
+            std::make_shared<const ReceivedRequest>(ReceivedRequest{isSecure, std::move(m_head)}));
+        Request unreadable;
+        unreadable.keep_alive(false);
+        send(replyTo(unreadable, errorAnswer(400, error.message())));
     }
 
     void send(Reply reply)
@@ -221,32 +191,22 @@ private:
         if (step.wait.count() > 0 || step.times != 1) {
             read(); // a write alone would not notice soon that the client has gone
         }
-        if (step.wait.count() == 0) {
+        if (step.wait.count() > 0) {
+            wait(step.wait, &Connection::write);
+        } else {
             write();
-            return;
         }
-        m_timer.expires_after(step.wait);
-        m_timer.async_wait([self = this->shared_from_this()](ErrorCode error) {
-            if (!error) {
-                self->write();
-            }
-        });
     }
 
     void write()
     {
         boost::asio::async_write(m_stream, boost::asio::buffer(m_reply.steps[m_step].bytes),
-                                 [self = this->shared_from_this()](ErrorCode error, std::size_t) {
-                                     if (!error && self->socket().is_open()) {
-                                         self->written();
-                                     }
-                                 });
+                                 then(&Connection::countWritten));
     }
 
-    void written()
+    void countWritten()
     {
-        const std::uint64_t times = m_reply.steps[m_step].times;
-        if (++m_timesDone == times) {
+        if (++m_timesDone == m_reply.steps[m_step].times) {
             m_timesDone = 0;
             ++m_step;
         }
@@ -278,14 +238,9 @@ private:
     /// the client is told first and gets a moment to end its side.
     void close()
     {
-        m_timer.expires_after(lingerTime);
-        m_timer.async_wait([self = this->shared_from_this()](ErrorCode error) {
-            if (!error) {
-                self->drop();
-            }
-        });
+        wait(lingerTime, &Connection::drop);
         if constexpr (isSecure) {
-            m_stream.async_shutdown([self = this->shared_from_this()](ErrorCode) { self->drop(); });
+            m_stream.async_shutdown(then(&Connection::drop));
         } else {
             ErrorCode alreadyGone;
             m_stream.shutdown(Socket::shutdown_send, alreadyGone);
@@ -316,8 +271,7 @@ private:
     bool m_isReading = false;
     std::string m_unparsed;
     std::optional<Parser> m_parser; ///< while a request is expected
-    std::string m_raw;
-    bool m_toldToContinue = false;
+    std::string m_head;
     Reply m_reply;
     std::size_t m_step = 0;
     std::uint64_t m_timesDone = 0;

@@ -1,30 +1,35 @@
 #include "ControlService.h"
 
+#include "Encoding.h"
 #include "Target.h"
+
+#include <utility>
 
 namespace sandbox
 {
-
 namespace
 {
-
 namespace http = boost::beast::http;
 
 const std::string attachments = "/attachments/";
 
-Answer done()
+Json toJson(const std::vector<std::shared_ptr<const ReceivedRequest>>& requests)
 {
-    return {204, std::nullopt, {}, {}};
+    Json list = Json::array();
+    for (const auto& received : requests) {
+        list.push_back({{"secure", received->secure},
+                        {"method", view(received->request.method_string())},
+                        {"target", view(received->request.target())},
+                        {"raw", toBase64(received->head + received->request.body())}});
+    }
+    return list;
 }
 
-Answer contentOf(const HelpDesk& helpDesk, const Request& request)
+Answer contentOf(const std::vector<Attachment>& all, const Request& request)
 {
     const std::string_view id = pathOf(view(request.target())).substr(attachments.size());
-    const Attachment* attachment = helpDesk.findAttachment(id);
-    if (attachment == nullptr) {
-        throw HttpError(404, "there is no such attachment");
-    }
-    return textAnswer("application/octet-stream", attachment->content);
+    return textAnswer("application/octet-stream",
+                      std::string(all[positionOf(id, firstAttachmentId, all.size())].content));
 }
 
 Route file(const std::string& path, const std::string& contentType, std::string content)
@@ -34,68 +39,42 @@ Route file(const std::string& path, const std::string& contentType, std::string 
             }};
 }
 
+/// A route whose request has something done and no more to be answered.
+template <typename Do>
+Route order(http::verb method, const std::string& path, Do perform)
+{
+    return {method, path, [perform](const Request& request) {
+                perform(request);
+                return Answer{204, std::nullopt, {}, {}};
+            }};
+}
 } // namespace
 
-ControlService::ControlService(SharedState& state, const CertificateAuthority& authority,
-                               const std::string& leafDer)
-    : m_state(state), m_routes{
-                          {http::verb::get, "/requests",
-                           [this](const Request&) { return jsonAnswer(200, m_state.requests.toJson()); }},
-                          {http::verb::delete_, "/requests",
-                           [this](const Request&) {
-                               m_state.requests.clear();
-                               return done();
-                           }},
-                          {http::verb::post, "/answers",
-                           [this](const Request& request) {
-                               m_state.plannedAnswers.add(readPlannedAnswer(parseJson(request.body())));
-                               return done();
-                           }},
-                          {http::verb::delete_, "/answers",
-                           [this](const Request&) {
-                               m_state.plannedAnswers.clear();
-                               return done();
-                           }},
-                          {http::verb::post, "/connections",
-                           [this](const Request& request) {
-                               m_state.plannedConnections.add(
-                                   readPlannedConnection(parseJson(request.body())));
-                               return done();
-                           }},
-                          {http::verb::delete_, "/connections",
-                           [this](const Request&) {
-                               m_state.plannedConnections.clear();
-                               return done();
-                           }},
-                          {http::verb::post, "/reset",
-                           [this](const Request&) {
-                               m_state = SharedState();
-                               return done();
-                           }},
-                          {http::verb::get, "/state",
-                           [this](const Request&) { return jsonAnswer(200, m_state.helpDesk.toJson()); }},
-                          {http::verb::get, attachments + '*',
-                           [this](const Request& request) { return contentOf(m_state.helpDesk, request); }},
-                          file("/ca.pem", "application/x-pem-file", authority.pem()),
-                          file("/ca.der", "application/pkix-cert", authority.der()),
-                          file("/leaf.der", "application/pkix-cert", leafDer),
-                          file("/crl.der", "application/pkix-crl", authority.revocationListDer()),
-                      }
-{}
-
-std::optional<PlannedConnection> ControlService::accepted(bool /*secure*/)
+std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& authority)
 {
-    return std::nullopt;
+    return {
+        {http::verb::get, "/requests",
+         [&state](const Request&) { return jsonAnswer(200, toJson(state.requests)); }},
+        order(http::verb::delete_, "/requests", [&state](const Request&) { state.requests.clear(); }),
+        order(http::verb::post, "/answers",
+              [&state](const Request& request) {
+                  state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body())));
+              }),
+        order(http::verb::delete_, "/answers", [&state](const Request&) { state.plannedAnswers = {}; }),
+        order(http::verb::post, "/connections",
+              [&state](const Request& request) {
+                  state.plannedConnections.add(readPlannedConnection(Json::parse(request.body())));
+              }),
+        order(http::verb::delete_, "/connections",
+              [&state](const Request&) { state.plannedConnections = {}; }),
+        order(http::verb::post, "/reset", [&state](const Request&) { state = SharedState(); }),
+        {http::verb::get, "/state", [&state](const Request&) { return jsonAnswer(200, state.helpDesk); }},
+        {http::verb::get, attachments + '*',
+         [&state](const Request& request) { return contentOf(state.attachments, request); }},
+        file("/ca.pem", "application/x-pem-file", authority.pem()),
+        file("/ca.der", "application/pkix-cert", authority.der()),
+        file("/leaf.der", "application/pkix-cert", authority.certificate(CertificateKind::Good).der),
+        file("/crl.der", "application/pkix-crl", authority.revocationListDer()),
+    };
 }
-
-void ControlService::received(ReceivedRequest /*request*/)
-{
-    // The log shows what the help desk received, not who asked for the log.
-}
-
-Reply ControlService::reply(const Request& request)
-{
-    return replyWith(answerByRoute(m_routes, request), request);
-}
-
 } // namespace sandbox

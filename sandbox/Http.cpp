@@ -2,18 +2,15 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/http/status.hpp>
+#include <boost/beast/http/verb.hpp>
 
 #include <algorithm>
 
 namespace sandbox
 {
-
 namespace
 {
-
 namespace http = boost::beast::http;
-
-constexpr int deepestJson = 16; // copying and writing JSON is recursive
 
 std::string standardReason(unsigned status)
 {
@@ -21,33 +18,12 @@ std::string standardReason(unsigned status)
     return known == http::status::unknown ? std::string() : std::string(view(http::obsolete_reason(known)));
 }
 
-bool allowsBody(unsigned status)
-{
-    return status >= 200 && status != 204 && status != 304;
-}
-
 bool hasHeader(const Answer& answer, std::string_view name)
 {
     return std::any_of(answer.headers.begin(), answer.headers.end(),
                        [name](const auto& header) { return boost::iequals(header.first, name); });
 }
-
 } // namespace
-
-Json parseJson(std::string_view text)
-{
-    const auto checkDepth = [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
-        if (depth > deepestJson) {
-            throw HttpError(400, "the JSON body is nested too deeply");
-        }
-        return true;
-    };
-    Json value = Json::parse(text, checkDepth, false);
-    if (value.is_discarded()) {
-        throw HttpError(400, "the body is not JSON");
-    }
-    return value;
-}
 
 Answer jsonAnswer(unsigned status, const Json& value)
 {
@@ -66,30 +42,25 @@ Answer textAnswer(const std::string& contentType, std::string body)
     return {200, std::nullopt, {{"Content-Type", contentType}}, std::move(body)};
 }
 
-bool keepsAlive(const Request& request)
+Reply replyTo(const Request& request, const Answer& answer)
 {
-    return request.version() == 11 && request.keep_alive();
-}
-
-std::string serialize(const Answer& answer, bool keepAlive, bool withBody)
-{
-    std::string bytes = "HTTP/1.1 " + std::to_string(answer.status) + ' ';
-    bytes += answer.reason ? *answer.reason : standardReason(answer.status);
-    bytes += "\r\n";
+    const bool keepAlive = request.version() == 11 && request.keep_alive();
+    const bool allowsBody = answer.status >= 200 && answer.status != 204 && answer.status != 304;
+    std::string bytes = "HTTP/1.1 " + std::to_string(answer.status) + ' ' +
+                        answer.reason.value_or(standardReason(answer.status)) + "\r\n";
     for (const auto& [name, value] : answer.headers) {
         bytes.append(name).append(": ").append(value).append("\r\n");
     }
-    if (allowsBody(answer.status) && !hasHeader(answer, "Content-Length")) {
+    if (allowsBody && !hasHeader(answer, "Content-Length")) {
         bytes += "Content-Length: " + std::to_string(answer.body.size()) + "\r\n";
     }
     if (!keepAlive && !hasHeader(answer, "Connection")) {
         bytes += "Connection: close\r\n";
     }
     bytes += "\r\n";
-    if (withBody && allowsBody(answer.status)) {
+    if (allowsBody && request.method() != http::verb::head) {
         bytes += answer.body;
     }
-    return bytes;
+    return {{{std::move(bytes)}}, keepAlive ? Afterwards::KeepAlive : Afterwards::Close};
 }
-
 } // namespace sandbox

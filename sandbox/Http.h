@@ -4,6 +4,8 @@
 #include <boost/beast/http/string_body.hpp>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -13,19 +15,43 @@
 
 namespace sandbox
 {
-
 using Json = nlohmann::ordered_json;
 using Request = boost::beast::http::request<boost::beast::http::string_body>;
+using Headers = std::vector<std::pair<std::string, std::string>>;
 
 struct Answer
 {
     unsigned status = 200;
-    std::optional<std::string> reason; // absent: the status code's standard phrase
-    std::vector<std::pair<std::string, std::string>> headers;
+    std::optional<std::string> reason; ///< absent: the status code's standard phrase
+    Headers headers;
     std::string body;
 };
 
-// A request that cannot be served; the router turns it into the answer.
+/// What a connection does after the last byte of a reply.
+enum class Afterwards
+{
+    KeepAlive,
+    Close, ///< in good order: a secure connection says goodbye first
+    Drop,  ///< closes the socket the way a broken server does
+    Reset, ///< the client sees a connection reset
+    Stay   ///< open and silent until the client goes
+};
+
+struct Step
+{
+    std::string bytes;
+    std::chrono::milliseconds wait{0}; ///< before each time
+    std::uint64_t times = 1;           ///< 0: without end, until the client goes
+};
+
+/// What a connection writes.
+struct Reply
+{
+    std::vector<Step> steps;
+    Afterwards afterwards = Afterwards::KeepAlive;
+};
+
+/// A request that cannot be served; the router turns it into the answer.
 class HttpError : public std::runtime_error
 {
 public:
@@ -42,17 +68,10 @@ inline std::string_view view(boost::beast::string_view text)
     return {text.data(), text.size()};
 }
 
-// Throws HttpError 400 for a body that is no JSON.
-Json parseJson(std::string_view text);
-
 Answer jsonAnswer(unsigned status, const Json& value);
 Answer errorAnswer(unsigned status, const std::string& message, const std::string& member = "error");
 Answer textAnswer(const std::string& contentType, std::string body);
 
-// The connection goes on after an answer to this request.
-bool keepsAlive(const Request& request);
-
-// The answer's bytes. Headers of the answer's own win over those that are added here.
-std::string serialize(const Answer& answer, bool keepAlive, bool withBody = true);
-
+/// Headers of the answer's own win over those that are added here.
+Reply replyTo(const Request& request, const Answer& answer);
 } // namespace sandbox

@@ -5,16 +5,14 @@
 
 namespace sandbox
 {
-
 struct UploadedFile
 {
     std::string fileName;
-    std::string content;
+    std::string_view content; ///< of the body
 };
 
-// Reads a multipart/form-data body of exactly one part, named "file" and with a file name. Throws HttpError
-// 400 for anything else. Text may precede the first delimiter line; after the closing one only white space
-// may follow, so that content which holds a whole closing delimiter is refused instead of being cut short.
+/// Reads a multipart/form-data body of exactly one part, named "file" and with a file name. Content that
+/// holds the delimiter is refused instead of being cut short.
+/// @throws HttpError 400 for anything else
 UploadedFile readUpload(std::string_view contentType, std::string_view body);
-
 } // namespace sandbox

@@ -4,23 +4,20 @@
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
 namespace sandbox
 {
-
 namespace
 {
-
 constexpr const char* explanation = R"(
-Serves until SIGINT or SIGTERM and prints where, one "name value" a line:
+Serves until SIGINT or SIGTERM (on Windows: Ctrl-C, or its console is closed) and prints where, one "name value" a line:
   http      http://localhost:PORT/helpdesk/rest     the plain REST endpoint
   https     https://localhost:PORT/helpdesk/rest    the TLS REST endpoint
   control   http://localhost:PORT                   the control interface
   ca-file   PATH                                    the certificate authority (PEM)
 
-With a COMMAND it prints nothing, runs the command with these variables in its environment, and ends with
-the command's exit code (128 + n when signal n ended it):
+With -- COMMAND ARG... at its end it prints nothing, runs the command with these variables in its environment, and ends with
+the command's exit code (on Linux 128 + n when signal n ended it):
   VANTRY_SANDBOX_HTTP      VANTRY_SANDBOX_HTTPS     VANTRY_SANDBOX_CONTROL
   VANTRY_SANDBOX_CA_FILE   VANTRY_SANDBOX_USER      VANTRY_SANDBOX_PASSWORD
 
@@ -28,13 +25,13 @@ All ports are chosen by the system and open on 127.0.0.1 alone. Certificates are
 a CA (CN=Vantry Sandbox CA and a number) and from it the server's certificate (CN=localhost), whose
 revocation list the control interface serves. Requests are limited to 64 KiB of headers and 512 MiB of body.
 
-REST RESOURCES, under the base path, the same on both REST ports
+REST RESOURCES, under /helpdesk/rest, the same on both REST ports
   USER stands for username=NAME&password=PASSWORD, percent-encoded; wrong or missing: 401. Errors are
   {"error":"..."}. Identifiers are numbers: tickets from 1001, tech notes from 2001, attachments from 3001.
 
   GET /Session?USER
-      200 {"type":"Session","sessionKey":"KEY"} and Set-Cookie: JSESSIONID=HEX; Path=/; HttpOnly
-  DELETE /Session?sessionKey=KEY         with Cookie: JSESSIONID=HEX
+      200 {"type":"Session","sessionKey":"KEY"} and Set-Cookie: JSESSIONID=TEXT; Path=/; HttpOnly
+  DELETE /Session?sessionKey=KEY         with Cookie: JSESSIONID=TEXT
       200 {"type":"Session","closed":true}; unknown key 404, wrong cookie 401
   POST /Tickets?USER
       {"subject":"S","detail":"D","clientReporter":{"type":"Client","id":"42"}} or, for an asset,
@@ -47,9 +44,9 @@ REST RESOURCES, under the base path, the same on both REST ports
       {"noteText":"N","jobticket":{"type":"JobTicket","id":"1001"},"workTime":"15","isHidden":false}
       201 {"id":2001,"type":"TechNote"}; unknown ticket 404; another shape 400
 
-  Outside the base path:
+  Elsewhere:
   POST /helpdesk/attachment/upload?type=TechNote&entityId=2001
-      with Cookie: JSESSIONID=HEX; wosid=KEY; vantryuser_helpdesk=NAME of one open session (else 401) and a
+      with Cookie: JSESSIONID=TEXT; wosid=KEY; vantryuser_helpdesk=NAME of one open session (else 401) and a
       multipart/form-data body of exactly one part, named "file", with a filename
       201 {"id":3001,"type":"Attachment"}; unknown tech note 404; bad upload 400. Errors: {"reason":"..."}
   GET /
@@ -58,12 +55,13 @@ REST RESOURCES, under the base path, the same on both REST ports
 
 CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor given planned answers
   GET /requests      every request to the REST ports, in order of arrival: [{"secure":false,"method":"GET",
-                     "target":"/...","raw":"BASE64 of head and body exactly as received"}]. What is no valid
-                     HTTP request has an empty method and target.
+                     "target":"/...","raw":"BASE64 of head and body as received, but for chunk headers"}].
+                     What is no valid HTTP request has an empty method and target.
   DELETE /requests   forgets them; 204
   POST /answers      plans the answer to the next request that it fits; 204, or 400 if malformed. Each is
                      used once, the oldest first. All members are optional:
       "method", "path"   which request it fits (path: the target without its query); absent: any
+      "skip"             so many requests that fit get their own answers first
       "status", "reason", "headers", "body"
                          the answer, with Content-Length added; status 200 and the standard reason when
                          absent. Status 1xx, 204 and 304 have neither body nor Content-Length.
@@ -97,42 +95,15 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
   GET /attachments/ID                             an attachment's bytes
   GET /ca.pem  /ca.der  /leaf.der  /crl.der       the certificates and the revocation list
 )";
-
-// The parser does not know of the command, so its usage line would leave it out.
-class HelpFormatter final : public CLI::Formatter
-{
-public:
-    std::string make_usage(const CLI::App* /*app*/, std::string name) const override
-    {
-        return "Usage: " + name + " [OPTIONS] [-- COMMAND ARG...]\n";
-    }
-};
-
-// "/helpdesk/rest/" and "/helpdesk/rest" mean the same; "/" means none.
-std::string withoutClosingSlashes(std::string base)
-{
-    base.erase(base.find_last_not_of('/') + 1);
-    return base;
-}
-
-std::string checkBase(const std::string& base)
-{
-    return base.empty() || base.front() == '/' ? std::string() : "must begin with a slash";
-}
-
 } // namespace
 
 std::variant<Options, int> readOptions(const std::vector<std::string>& arguments)
 {
     Options options;
     CLI::App app("A help-desk server to develop and test against.", "vantry-sandbox");
-    app.formatter(std::make_shared<HelpFormatter>());
     app.footer(explanation);
     app.add_option("--user", options.user, "Name of the one user")->capture_default_str();
     app.add_option("--password", options.password, "The user's password")->capture_default_str();
-    app.add_option("--base", options.base, "Path of the REST resources")
-        ->capture_default_str()
-        ->check(checkBase);
     app.add_option("--ca-file", options.caFile,
                    "Where to write the certificate authority; otherwise a temporary file, removed at exit");
 
@@ -151,8 +122,6 @@ std::variant<Options, int> readOptions(const std::vector<std::string>& arguments
     } catch (const CLI::ParseError& error) {
         return app.exit(error);
     }
-    options.base = withoutClosingSlashes(options.base);
     return options;
 }
-
 } // namespace sandbox

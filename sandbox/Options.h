@@ -6,17 +6,14 @@
 
 namespace sandbox
 {
-
 struct Options
 {
     std::string user = "technician";
     std::string password = "wrench";
-    std::string base = "/helpdesk/rest"; // no closing slash
-    std::string caFile;                  // empty: a temporary file
-    std::vector<std::string> command;    // empty: serve until a signal comes
+    std::string caFile;               ///< empty: a temporary file
+    std::vector<std::string> command; ///< empty: serve until a signal comes
 };
 
-// The options, or the exit code of a program that has nothing more to do.
+/// The options, or the exit code of a program that has nothing more to do.
 std::variant<Options, int> readOptions(const std::vector<std::string>& arguments);
-
 } // namespace sandbox

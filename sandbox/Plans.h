@@ -5,48 +5,26 @@
 #include "Certificates.h"
 #include "Http.h"
 
+#include <algorithm>
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace sandbox
 {
-/// What a connection does after the last byte of a reply.
-enum class Afterwards
-{
-    KeepAlive,
-    Close, ///< in good order: a secure connection says goodbye first
-    Drop,  ///< closes the socket the way a broken server does
-    Reset, ///< the client sees a connection reset
-    Stay   ///< open and silent until the client goes
-};
-
-struct Step
-{
-    std::string bytes;
-    std::chrono::milliseconds wait{0}; ///< before each time
-    std::uint64_t times = 1;           ///< 0: without end, until the client goes
-};
-
-struct Reply
-{
-    std::vector<Step> steps;
-    Afterwards afterwards = Afterwards::KeepAlive;
-};
-
 /// An answer for one request to come.
 struct PlannedAnswer
 {
+    std::uint64_t skip = 0; ///< so many that fit are let through first
     std::optional<std::string> method;
     std::optional<std::string> path;
     std::chrono::milliseconds delay{0};
     std::optional<Reply> script; ///< replaces the answer as a whole
     Answer answer;
-    std::optional<std::size_t> closeAfter;
+    std::optional<std::uint64_t> closeAfter;
 };
 
 /// What happens instead of the TLS handshake and the requests of a connection.
@@ -56,42 +34,44 @@ struct Misbehaviour
     Reply reply;
 };
 
-/// The fate of one connection to come: a misbehaviour or a certificate of its own.
+/// The fate of one connection to come: a misbehaviour or a certificate.
 struct PlannedConnection
 {
+    std::uint64_t skip = 0;
     std::optional<bool> secure;
-    std::uint64_t skip = 0; ///< so many that fit are let through first
     std::optional<Misbehaviour> misbehaviour;
     CertificateKind certificate = CertificateKind::Good;
 };
 
-/// @throws HttpError 400 for an order that is malformed
+/// @throws HttpError 400 or Json::exception for an order that is malformed
 PlannedAnswer readPlannedAnswer(const Json& order);
 PlannedConnection readPlannedConnection(const Json& order);
 
-class PlannedAnswers
+/// Each plan is used once, the oldest first.
+template <typename Plan>
+class Plans
 {
 public:
-    void add(PlannedAnswer answer) { m_answers.push_back(std::move(answer)); }
-    void clear() { m_answers.clear(); }
+    void add(Plan plan) { m_plans.push_back(std::move(plan)); }
 
-    /// The oldest answer that fits the request; it is used up by this.
-    std::optional<PlannedAnswer> take(const Request& request);
+    /// The oldest plan that fits, used up by this; nothing when it lets this one through.
+    template <typename Fits>
+    std::optional<Plan> take(Fits fits)
+    {
+        const auto found = std::find_if(m_plans.begin(), m_plans.end(), fits);
+        if (found == m_plans.end()) {
+            return std::nullopt;
+        }
+        if (found->skip > 0) {
+            --found->skip;
+            return std::nullopt;
+        }
+        Plan plan = std::move(*found);
+        m_plans.erase(found);
+        return plan;
+    }
 
 private:
-    std::deque<PlannedAnswer> m_answers;
-};
-
-class PlannedConnections
-{
-public:
-    void add(PlannedConnection connection) { m_connections.push_back(std::move(connection)); }
-    void clear() { m_connections.clear(); }
-
-    /// The oldest fate that fits, used up by this; nothing when that one lets the connection through.
-    std::optional<PlannedConnection> take(bool secure);
-
-private:
-    std::deque<PlannedConnection> m_connections;
+    std::deque<Plan> m_plans;
 };
 } // namespace sandbox

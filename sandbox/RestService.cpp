@@ -3,69 +3,46 @@
 #include "Multipart.h"
 #include "Target.h"
 
-#include <boost/algorithm/string/trim.hpp>
 #include <boost/beast/http/field.hpp>
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
 
 #include <algorithm>
-#include <initializer_list>
-#include <optional>
+#include <charconv>
 
 namespace sandbox
 {
-
 namespace
 {
-
 namespace http = boost::beast::http;
 
 constexpr std::size_t shortTextLength = 60;
 
-bool hasExactly(const Json& value, std::initializer_list<const char*> members)
+void require(bool holds, unsigned status, const char* otherwise)
 {
-    return value.is_object() && value.size() == members.size() &&
-           std::all_of(members.begin(), members.end(),
-                       [&value](const char* member) { return value.contains(member); });
+    if (!holds) {
+        throw HttpError(status, otherwise);
+    }
 }
 
-std::string text(const Json& value)
+std::string text(const Json& object, const char* member)
 {
-    if (!value.is_string()) {
-        throw HttpError(400, "a string is expected instead of " + value.dump());
-    }
-    return value.get<std::string>();
+    return object.at(member).get<std::string>();
 }
 
-// The identifier in {"type": TYPE, "id": "..."}.
-std::string referenceTo(const std::string& type, const Json& value)
+Json readTicket(const Json& body)
 {
-    if (!hasExactly(value, {"type", "id"}) || value["type"] != type) {
-        throw HttpError(400, "a reference of type " + type + " is expected instead of " + value.dump());
-    }
-    return text(value["id"]);
-}
-
-Ticket readTicket(const Json& body)
-{
-    Ticket ticket{};
-    if (hasExactly(body, {"subject", "detail", "clientReporter"})) {
-        ticket.entityType = "Client";
-        ticket.entityId = referenceTo("Client", body["clientReporter"]);
-    } else if (hasExactly(body, {"subject", "detail", "assets"}) && body["assets"].is_array() &&
-               body["assets"].size() == 1) {
-        ticket.entityType = "Asset";
-        ticket.entityId = referenceTo("Asset", body["assets"][0]);
-    } else {
-        throw HttpError(400, "a ticket has subject, detail and either clientReporter or one of assets");
-    }
-    ticket.subject = text(body["subject"]);
-    ticket.detail = text(body["detail"]);
-    if (ticket.subject.empty()) {
-        throw HttpError(400, "the subject is empty");
-    }
+    const Json& entity = body.contains("assets") ? body["assets"].at(0) : body.at("clientReporter");
+    const Json ticket = {{"entityType", text(entity, "type")},
+                         {"entityId", text(entity, "id")},
+                         {"subject", text(body, "subject")},
+                         {"detail", text(body, "detail")}};
+    require(ticket["entityType"] == (body.contains("assets") ? "Asset" : "Client"), 400, "a wrong type");
+    require(ticket["subject"] != "", 400, "the subject is empty");
     return ticket;
 }
 
-// The first characters of a UTF-8 text.
+/// The first characters of a UTF-8 text.
 std::string shortened(const std::string& text)
 {
     std::size_t characters = 0;
@@ -76,77 +53,88 @@ std::string shortened(const std::string& text)
     return {text.begin(), end};
 }
 
-Json toListEntry(const Ticket& ticket)
+Json toListEntry(const Json& ticket)
 {
-    return {{"id", ticket.id},
+    const bool isClients = ticket["entityType"] == "Client";
+    return {{"id", ticket["id"]},
             {"type", "JobTicket"},
-            {"shortSubject", shortened(ticket.subject)},
-            {"shortDetail", shortened(ticket.detail)},
-            {"displayClient", ticket.entityType == "Client" ? Json("Client " + ticket.entityId) : Json()}};
+            {"shortSubject", shortened(text(ticket, "subject"))},
+            {"shortDetail", shortened(text(ticket, "detail"))},
+            {"displayClient", isClients ? Json("Client " + text(ticket, "entityId")) : Json()}};
 }
 
-struct Qualifier
+/// Type and identifier of the entity whose tickets are wanted.
+std::pair<std::string, std::string> readQualifier(const std::string& qualifier)
 {
-    std::string entityType;
-    std::string entityId;
-};
-
-Qualifier readQualifier(const std::optional<std::string>& qualifier)
-{
-    if (qualifier && qualifier->back() == ')') {
+    if (!qualifier.empty() && qualifier.back() == ')') {
         for (const auto& [entityType, start] :
              {std::pair("Client", std::string("(clientId=")), {"Asset", "(assets.assetId="}}) {
-            if (qualifier->compare(0, start.size(), start) == 0) {
-                return {entityType, qualifier->substr(start.size(), qualifier->size() - start.size() - 1)};
+            if (qualifier.compare(0, start.size(), start) == 0) {
+                return {entityType, qualifier.substr(start.size(), qualifier.size() - start.size() - 1)};
             }
         }
     }
     throw HttpError(400, "the qualifier must be (clientId=ID) or (assets.assetId=ID)");
 }
 
-TechNote readTechNote(const Json& body)
+Json readTechNote(const Json& body, const Json& ticket)
 {
-    if (!hasExactly(body, {"noteText", "jobticket", "workTime", "isHidden"}) ||
-        !body["isHidden"].is_boolean()) {
-        throw HttpError(400, "a tech note has noteText, jobticket, workTime and isHidden");
-    }
-    const std::string workTime = text(body["workTime"]);
-    if (workTime.empty() || workTime.find_first_not_of("0123456789") != std::string::npos) {
-        throw HttpError(400, "the work time must be a string of digits");
-    }
-    return {0, 0, text(body["noteText"]), workTime, body["isHidden"].get<bool>()};
+    const std::string workTime = text(body, "workTime");
+    require(!workTime.empty() && workTime.find_first_not_of("0123456789") == std::string::npos, 400,
+            "the work time must be a string of digits");
+    return {{"ticketId", ticket["id"]},
+            {"noteText", text(body, "noteText")},
+            {"workTime", workTime},
+            {"isHidden", body.at("isHidden").get<bool>()}};
 }
 
-std::string cookieNamed(const Request& request, std::string_view name)
+std::string parameter(const Request& request, std::string_view name)
 {
-    std::string_view rest = view(request[http::field::cookie]);
-    while (!rest.empty()) {
-        const std::string_view pair = rest.substr(0, rest.find(';'));
-        rest.remove_prefix(std::min(rest.size(), pair.size() + 1));
-        const std::string cookie = boost::trim_copy(std::string(pair));
-        if (cookie.size() > name.size() && cookie[name.size()] == '=' &&
-            cookie.compare(0, name.size(), name) == 0) {
-            return cookie.substr(name.size() + 1);
-        }
-    }
-    return {};
+    return parameterOf(view(request.target()), name).value_or("");
 }
 
-bool sendsCookieOf(const Session& session, const Request& request)
+std::string cookie(const Request& request, std::string_view name)
 {
-    return "JSESSIONID=" + cookieNamed(request, "JSESSIONID") == session.cookie;
+    const std::string parameters = ';' + std::string(view(request[http::field::cookie]));
+    return std::string(headerParameter(parameters, name).value_or(""));
 }
 
-void checkUploadCookies(const HelpDesk& helpDesk, const Request& request)
+std::string uniqueText()
 {
-    const Session* session = helpDesk.findSession(cookieNamed(request, "wosid"));
-    if (session == nullptr || !sendsCookieOf(*session, request) ||
-        cookieNamed(request, "vantryuser_helpdesk") != session->user) {
-        throw HttpError(401, "the cookies name no open session");
-    }
+    return to_string(boost::uuids::random_generator()());
 }
 
-Answer welcome()
+Json::iterator findSession(Json& sessions, const std::string& key)
+{
+    return std::find_if(sessions.begin(), sessions.end(),
+                        [&key](const Json& session) { return session["key"] == key; });
+}
+
+bool sendsCookieOf(const Json& session, const Request& request)
+{
+    return session["cookie"] == "JSESSIONID=" + cookie(request, "JSESSIONID");
+}
+
+const Json& recordNamed(const Json& records, std::uint64_t firstId, const std::string& id)
+{
+    return records[positionOf(id, firstId, records.size())];
+}
+
+/// Adds a record; its identifier comes first.
+std::uint64_t add(Json& records, std::uint64_t firstId, const Json& members)
+{
+    Json record = {{"id", firstId + records.size()}};
+    record.update(members);
+    records.push_back(std::move(record));
+    return records.back()["id"];
+}
+
+Answer created(std::uint64_t id, const char* type)
+{
+    return jsonAnswer(201, {{"id", id}, {"type", type}});
+}
+
+Answer welcome(const Request& /*request*/)
 {
     return textAnswer("text/html", "<!DOCTYPE html><html><head><title>Vantry Sandbox</title></head>"
                                    "<body><h1>Vantry Sandbox</h1></body></html>\n");
@@ -154,104 +142,108 @@ Answer welcome()
 
 Reply plannedReply(const PlannedAnswer& planned, const Request& request)
 {
-    Reply reply = planned.script ? *planned.script : replyWith(planned.answer, request);
+    Reply reply = planned.script ? *planned.script : replyTo(request, planned.answer);
     if (planned.closeAfter) {
         std::string& bytes = reply.steps.front().bytes;
-        bytes.resize(std::min(bytes.size(), *planned.closeAfter));
+        bytes.resize(std::min<std::uint64_t>(bytes.size(), *planned.closeAfter));
         reply.afterwards = Afterwards::Drop;
     }
-    reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
+    if (planned.delay.count() > 0) {
+        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
+    }
     return reply;
 }
-
 } // namespace
 
-RestService::RestService(SharedState& state, Account account, const std::string& base)
-    : m_state(state),
-      m_account(std::move(account)), m_routes{
-                                         {http::verb::get, "/", [](const Request&) { return welcome(); }},
-                                         {http::verb::get, base + "/Session",
-                                          [this](const Request& request) { return openSession(request); }},
-                                         {http::verb::delete_, base + "/Session",
-                                          [this](const Request& request) { return closeSession(request); }},
-                                         {http::verb::post, base + "/Tickets",
-                                          [this](const Request& request) { return createTicket(request); }},
-                                         {http::verb::get, base + "/Tickets",
-                                          [this](const Request& request) { return listTickets(request); }},
-                                         {http::verb::post, base + "/TechNotes",
-                                          [this](const Request& request) { return createTechNote(request); }},
-                                         {http::verb::post, "/helpdesk/attachment/upload",
-                                          [this](const Request& request) {
-                                              return uploadAttachment(request);
-                                          },
-                                          "reason"},
-                                     }
-{}
+std::size_t positionOf(std::string_view id, std::uint64_t firstId, std::size_t count)
+{
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
+    require(error == std::errc() && end == id.data() + id.size() && number >= firstId &&
+                number - firstId < count,
+            404, "there is no such record");
+    return number - firstId;
+}
+
+RestService::RestService(SharedState& state, std::string user, std::string password)
+    : m_state(state), m_user(std::move(user)), m_password(std::move(password))
+{
+    const auto member = [this](auto handle) {
+        return [this, handle](const Request& request) { return (this->*handle)(request); };
+    };
+    const std::string base = restBase;
+    m_routes = {
+        {http::verb::get, "/", welcome},
+        {http::verb::get, base + "/Session", member(&RestService::openSession)},
+        {http::verb::delete_, base + "/Session", member(&RestService::closeSession)},
+        {http::verb::post, base + "/Tickets", member(&RestService::createTicket)},
+        {http::verb::get, base + "/Tickets", member(&RestService::listTickets)},
+        {http::verb::post, base + "/TechNotes", member(&RestService::createTechNote)},
+        {http::verb::post, "/helpdesk/attachment/upload", member(&RestService::uploadAttachment), "reason"},
+    };
+}
 
 std::optional<PlannedConnection> RestService::accepted(bool secure)
 {
-    return m_state.plannedConnections.take(secure);
+    return m_state.plannedConnections.take(
+        [secure](const PlannedConnection& planned) { return planned.secure.value_or(secure) == secure; });
 }
 
-void RestService::received(ReceivedRequest request)
+void RestService::received(const std::shared_ptr<const ReceivedRequest>& request)
 {
-    m_state.requests.add(std::move(request));
+    m_state.requests.push_back(request);
 }
 
 Reply RestService::reply(const Request& request)
 {
-    if (const std::optional<PlannedAnswer> planned = m_state.plannedAnswers.take(request)) {
-        return plannedReply(*planned, request);
-    }
-    return replyWith(answerByRoute(m_routes, request), request);
+    const auto planned = m_state.plannedAnswers.take([&request](const PlannedAnswer& answer) {
+        return (!answer.method || *answer.method == view(request.method_string())) &&
+               (!answer.path || *answer.path == pathOf(view(request.target())));
+    });
+    return planned ? plannedReply(*planned, request) : Service::reply(request);
 }
 
 void RestService::checkCredentials(const Request& request) const
 {
-    const std::string_view target = view(request.target());
-    if (parameterOf(target, "username") != m_account.user ||
-        parameterOf(target, "password") != m_account.password) {
-        throw HttpError(401, "the user name or the password is wrong");
-    }
+    require(parameter(request, "username") == m_user && parameter(request, "password") == m_password, 401,
+            "the user name or the password is wrong");
 }
 
 Answer RestService::openSession(const Request& request)
 {
     checkCredentials(request);
-    const Session& session = m_state.helpDesk.openSession(m_account.user);
-    Answer answer = jsonAnswer(200, {{"type", "Session"}, {"sessionKey", session.key}});
-    answer.headers.emplace_back("Set-Cookie", session.cookie + "; Path=/; HttpOnly");
+    const std::string key = uniqueText();
+    const std::string cookie = "JSESSIONID=" + uniqueText();
+    m_state.helpDesk["sessions"].push_back({{"key", key}, {"cookie", cookie}, {"user", m_user}});
+    Answer answer = jsonAnswer(200, {{"type", "Session"}, {"sessionKey", key}});
+    answer.headers.emplace_back("Set-Cookie", cookie + "; Path=/; HttpOnly");
     return answer;
 }
 
 Answer RestService::closeSession(const Request& request)
 {
-    const std::string key = parameterOf(view(request.target()), "sessionKey").value_or("");
-    const Session* session = m_state.helpDesk.findSession(key);
-    if (session == nullptr) {
-        throw HttpError(404, "there is no such session");
-    }
-    if (!sendsCookieOf(*session, request)) {
-        throw HttpError(401, "the cookie is not the session's");
-    }
-    m_state.helpDesk.closeSession(key);
+    Json& sessions = m_state.helpDesk["sessions"];
+    const auto session = findSession(sessions, parameter(request, "sessionKey"));
+    require(session != sessions.end(), 404, "there is no such session");
+    require(sendsCookieOf(*session, request), 401, "the cookie is not the session's");
+    sessions.erase(session);
     return jsonAnswer(200, {{"type", "Session"}, {"closed", true}});
 }
 
 Answer RestService::createTicket(const Request& request)
 {
     checkCredentials(request);
-    const Id id = m_state.helpDesk.add(readTicket(parseJson(request.body())));
-    return jsonAnswer(201, {{"id", id}, {"type", "JobTicket"}});
+    const Json ticket = readTicket(Json::parse(request.body()));
+    return created(add(m_state.helpDesk["tickets"], firstTicketId, ticket), "JobTicket");
 }
 
 Answer RestService::listTickets(const Request& request) const
 {
     checkCredentials(request);
-    const Qualifier wanted = readQualifier(parameterOf(view(request.target()), "qualifier"));
+    const auto [entityType, entityId] = readQualifier(parameter(request, "qualifier"));
     Json list = Json::array();
-    for (const Ticket& ticket : m_state.helpDesk.tickets()) {
-        if (ticket.entityType == wanted.entityType && ticket.entityId == wanted.entityId) {
+    for (const Json& ticket : m_state.helpDesk["tickets"]) {
+        if (ticket["entityType"] == entityType && ticket["entityId"] == entityId) {
             list.push_back(toListEntry(ticket));
         }
     }
@@ -261,32 +253,29 @@ Answer RestService::listTickets(const Request& request) const
 Answer RestService::createTechNote(const Request& request)
 {
     checkCredentials(request);
-    const Json body = parseJson(request.body());
-    TechNote note = readTechNote(body);
-    const Ticket* ticket = m_state.helpDesk.findTicket(referenceTo("JobTicket", body["jobticket"]));
-    if (ticket == nullptr) {
-        throw HttpError(404, "there is no such ticket");
-    }
-    note.ticketId = ticket->id;
-    const Id id = m_state.helpDesk.add(std::move(note));
-    return jsonAnswer(201, {{"id", id}, {"type", "TechNote"}});
+    const Json body = Json::parse(request.body());
+    const Json& reference = body.at("jobticket");
+    require(text(reference, "type") == "JobTicket", 400, "a wrong type");
+    const Json& ticket = recordNamed(m_state.helpDesk["tickets"], firstTicketId, text(reference, "id"));
+    return created(add(m_state.helpDesk["techNotes"], firstTechNoteId, readTechNote(body, ticket)),
+                   "TechNote");
 }
 
 Answer RestService::uploadAttachment(const Request& request)
 {
-    checkUploadCookies(m_state.helpDesk, request);
-    const std::string_view target = view(request.target());
-    if (parameterOf(target, "type") != "TechNote") {
-        throw HttpError(400, "attachments can be fixed to the type TechNote alone");
-    }
-    const TechNote* note = m_state.helpDesk.findTechNote(parameterOf(target, "entityId").value_or(""));
-    if (note == nullptr) {
-        throw HttpError(404, "there is no such tech note");
-    }
-    UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());
-    const Id id =
-        m_state.helpDesk.add(Attachment{0, note->id, std::move(file.fileName), std::move(file.content)});
-    return jsonAnswer(201, {{"id", id}, {"type", "Attachment"}});
+    Json& sessions = m_state.helpDesk["sessions"];
+    const auto session = findSession(sessions, cookie(request, "wosid"));
+    require(session != sessions.end() && sendsCookieOf(*session, request) &&
+                (*session)["user"] == cookie(request, "vantryuser_helpdesk"),
+            401, "the cookies name no open session");
+    require(parameter(request, "type") == "TechNote", 400, "attachments can be fixed to TechNote alone");
+    const Json& note =
+        recordNamed(m_state.helpDesk["techNotes"], firstTechNoteId, parameter(request, "entityId"));
+    const UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());
+    m_state.attachments.push_back({m_state.requests.back(), file.content}); // the last request is this one
+    return created(
+        add(m_state.helpDesk["attachments"], firstAttachmentId,
+            {{"techNoteId", note["id"]}, {"fileName", file.fileName}, {"size", file.content.size()}}),
+        "Attachment");
 }
-
 } // namespace sandbox

@@ -1,13 +1,14 @@
 #include "Target.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <algorithm>
 #include <charconv>
 
 namespace sandbox
 {
-
 namespace
 {
-
 std::optional<std::string> percentDecoded(std::string_view text)
 {
     std::string decoded;
@@ -28,7 +29,6 @@ std::optional<std::string> percentDecoded(std::string_view text)
     }
     return decoded;
 }
-
 } // namespace
 
 std::string_view pathOf(std::string_view target)
@@ -51,4 +51,20 @@ std::optional<std::string> parameterOf(std::string_view target, std::string_view
     return std::nullopt;
 }
 
+std::optional<std::string_view> headerParameter(std::string_view header, std::string_view name)
+{
+    for (std::size_t at = header.find(';'); at != std::string_view::npos; at = header.find(';')) {
+        header.remove_prefix(std::min(header.size(), header.find_first_not_of("; ", at)));
+        const std::string_view found = header.substr(0, header.find('='));
+        header.remove_prefix(std::min(header.size(), found.size() + 1));
+        const bool isQuoted = header.substr(0, 1) == "\"";
+        header.remove_prefix(isQuoted ? 1 : 0);
+        const std::string_view value = header.substr(0, header.find(isQuoted ? '"' : ';'));
+        header.remove_prefix(value.size());
+        if (boost::iequals(found, name)) {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
 } // namespace sandbox

@@ -1,113 +1,141 @@
-#include "ChildProcess.h"
+#include "CaFile.h"
+#include "Certificates.h"
+#include "ControlService.h"
+#include "Listener.h"
 #include "Options.h"
-#include "Sandbox.h"
+#include "Platform.h"
+#include "RestService.h"
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <boost/process/environment.hpp>
 
-#include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <exception>
-#include <functional>
 #include <iostream>
+#include <random>
 #include <string>
-#include <system_error>
 #include <variant>
-#include <vector>
 
 namespace
 {
+using namespace sandbox;
 
+constexpr std::chrono::milliseconds lookTime{5};
 constexpr std::chrono::seconds graceTime{5};
 
-void announce(const sandbox::Sandbox& server)
+/// The three ports and what stands behind them. Everything runs on the one thread that runs the context.
+struct Server
 {
-    std::cout << "http " << server.httpEndpoint() << '\n'
-              << "https " << server.httpsEndpoint() << '\n'
-              << "control " << server.controlEndpoint() << '\n'
-              << "ca-file " << server.caFile() << '\n'
+    Server(boost::asio::io_context& context, const Options& options)
+        : control(context), http(context), https(context),
+          // Never the same list twice: a client may keep one by its address, and ports come round again.
+          authority(control.address("http") + "/crl.der?" + std::to_string(std::random_device()())),
+          caFile(authority.pem(), std::filesystem::u8path(options.caFile)),
+          restService(state, options.user, options.password), controlService(controlRoutes(state, authority))
+    {
+        control.start(controlService);
+        http.start(restService);
+        https.start(restService, &authority);
+    }
+
+    Listener control;
+    Listener http;
+    Listener https;
+    CertificateAuthority authority;
+    CaFile caFile;
+    SharedState state;
+    RestService restService;
+    Service controlService;
+};
+
+void announce(const Server& server)
+{
+    std::cout << "http " << server.http.address("http") << restBase << '\n'
+              << "https " << server.https.address("https") << restBase << '\n'
+              << "control " << server.control.address("http") << '\n'
+              << "ca-file " << server.caFile.path().u8string() << '\n'
               << std::flush;
 }
 
-void setVariable(const char* name, const std::string& value)
+void setVariable(const std::string& name, const std::string& value)
 {
-    if (setenv(name, value.c_str(), 1) != 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot set the environment");
+    using Character = std::filesystem::path::value_type; // the environment's own
+    boost::process::basic_native_environment<Character> environment;
+    environment[std::filesystem::u8path("VANTRY_SANDBOX_" + name).native()] =
+        std::filesystem::u8path(value).native();
+}
+
+void setEnvironment(const Server& server, const Options& options)
+{
+    setVariable("HTTP", server.http.address("http") + restBase);
+    setVariable("HTTPS", server.https.address("https") + restBase);
+    setVariable("CONTROL", server.control.address("http"));
+    setVariable("CA_FILE", server.caFile.path().u8string());
+    setVariable("USER", options.user);
+    setVariable("PASSWORD", options.password);
+}
+
+/// Looks again and again whether the command has ended, and then ends the context's run.
+void awaitEnd(boost::process::child& command, boost::asio::steady_timer& timer,
+              boost::asio::io_context& context)
+{
+    if (!command.running()) {
+        context.stop();
+        return;
     }
+    timer.expires_after(lookTime);
+    timer.async_wait([&](boost::system::error_code) { awaitEnd(command, timer, context); });
 }
 
-void setEnvironment(const sandbox::Sandbox& server, const sandbox::Options& options)
+/// A signal that would end the sandbox goes to the command instead, whose end then ends the sandbox. A
+/// command that does not heed it is killed after a while.
+int serveCommand(boost::asio::io_context& context, const std::vector<std::string>& words)
 {
-    setVariable("VANTRY_SANDBOX_HTTP", server.httpEndpoint());
-    setVariable("VANTRY_SANDBOX_HTTPS", server.httpsEndpoint());
-    setVariable("VANTRY_SANDBOX_CONTROL", server.controlEndpoint());
-    setVariable("VANTRY_SANDBOX_CA_FILE", server.caFile());
-    setVariable("VANTRY_SANDBOX_USER", options.user);
-    setVariable("VANTRY_SANDBOX_PASSWORD", options.password);
+    boost::asio::signal_set stop(context);
+    platform::addStopSignals(stop);
+    boost::asio::steady_timer timer(context);
+    boost::asio::steady_timer grace(context);
+    boost::process::child command = platform::start(words);
+    awaitEnd(command, timer, context);
+    stop.async_wait([&](boost::system::error_code, int signal) {
+        platform::signal(command, signal);
+        grace.expires_after(graceTime);
+        grace.async_wait([&](boost::system::error_code) { command.terminate(); });
+    });
+    context.run();
+    return platform::exitCode(command);
 }
 
-int serve(boost::asio::io_context& context, const sandbox::Sandbox& server)
+int serve(boost::asio::io_context& context)
 {
-    boost::asio::signal_set stop(context, SIGINT, SIGTERM, SIGHUP);
+    boost::asio::signal_set stop(context);
+    platform::addStopSignals(stop);
     stop.async_wait([&context](boost::system::error_code, int) { context.stop(); });
-    announce(server);
     context.run();
     return EXIT_SUCCESS;
 }
 
-// A signal that would end the sandbox goes to the command instead, whose end then ends the sandbox. A command
-// that does not heed it is killed after a while.
-int serveCommand(boost::asio::io_context& context, const std::vector<std::string>& command)
+int run(const Options& options)
 {
-    boost::asio::signal_set ended(context, SIGCHLD);
-    boost::asio::signal_set stop(context, SIGINT, SIGTERM, SIGHUP);
-    boost::asio::steady_timer grace(context);
-    sandbox::ChildProcess child(command);
-
-    const std::function<void()> awaitEnd = [&] {
-        ended.async_wait([&](boost::system::error_code, int) {
-            if (child.exitCode()) {
-                context.stop();
-            } else {
-                awaitEnd();
-            }
-        });
-    };
-    awaitEnd();
-    stop.async_wait([&](boost::system::error_code, int signal) {
-        child.signal(signal);
-        grace.expires_after(graceTime);
-        grace.async_wait([&](boost::system::error_code) { child.signal(SIGKILL); });
-    });
-    context.run();
-    return child.exitCode().value_or(EXIT_FAILURE);
-}
-
-int run(const sandbox::Options& options)
-{
-    std::signal(SIGPIPE, SIG_IGN); // a client that goes away is an error code of the write
     boost::asio::io_context context(1);
-    const sandbox::Sandbox server(context, options);
+    const Server server(context, options);
     if (options.command.empty()) {
-        return serve(context, server);
+        announce(server);
+        return serve(context);
     }
     setEnvironment(server, options);
     return serveCommand(context, options.command);
 }
-
 } // namespace
 
 int main(int argc, char** argv)
 {
     try {
-        const auto options = sandbox::readOptions(std::vector<std::string>(argv + 1, argv + argc));
-        if (const int* exitCode = std::get_if<int>(&options)) {
-            return *exitCode;
-        }
-        return run(std::get<sandbox::Options>(options));
+        const auto options = readOptions(platform::arguments(argc, argv));
+        const int* exitCode = std::get_if<int>(&options);
+        return exitCode != nullptr ? *exitCode : run(std::get<Options>(options));
     } catch (const std::exception& error) {
         std::cerr << "vantry-sandbox: " << error.what() << '\n';
         return EXIT_FAILURE;

@@ -1,0 +1,102 @@
+#include "Platform.h"
+
+#include <boost/process/extend.hpp>
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+namespace sandbox::platform
+{
+namespace
+{
+namespace process = boost::process;
+
+void require(bool succeeded, const char* what)
+{
+    if (!succeeded) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+    }
+}
+
+/// A job whose processes end with this one: its only handle is closed by the system then.
+HANDLE createJob()
+{
+    const HANDLE job = CreateJobObjectW(nullptr, nullptr);
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags =
+        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
+    require(job != nullptr &&
+                SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits) != 0,
+            "cannot create a job");
+    return job;
+}
+
+/// Ties a command to the life of this process.
+struct Leash : process::extend::handler
+{
+    template <typename Executor>
+    void on_success(Executor& executor) const
+    {
+        static const HANDLE job = createJob();
+        require(AssignProcessToJobObject(job, executor.proc_info.hProcess) != 0, "cannot use a job");
+    }
+};
+
+/// The console ends a process as soon as the last handler of its closing has returned. So this one waits
+/// for the process to end by itself.
+BOOL WINAPI endInGoodOrder(DWORD event)
+{
+    if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
+        return FALSE; // these are signals for the runtime
+    }
+    std::raise(SIGBREAK);
+    Sleep(INFINITE);
+    return TRUE;
+}
+} // namespace
+
+std::vector<std::string> arguments(int /*argc*/, char** /*argv*/)
+{
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> words(CommandLineToArgvW(GetCommandLineW(), &count),
+                                                              LocalFree);
+    require(words != nullptr, "cannot read the command line");
+    std::vector<std::string> list;
+    for (int i = 1; i < count; ++i) {
+        list.push_back(std::filesystem::path(words.get()[i]).u8string());
+    }
+    return list;
+}
+
+/// Commands inherit nothing but the standard handles.
+void keepToThisProcess(boost::asio::ip::tcp::acceptor& /*acceptor*/) {}
+
+void addStopSignals(boost::asio::signal_set& signals)
+{
+    for (const int number : {SIGINT, SIGTERM, SIGBREAK}) {
+        signals.add(number);
+    }
+    require(SetConsoleCtrlHandler(endInGoodOrder, TRUE) != 0, "cannot await the console's end");
+}
+
+/// The command is taken as it stands on the command line: programs differ in how they read quotes.
+process::child start(const std::vector<std::string>& /*command*/)
+{
+    const std::wstring separator = L" -- ";
+    const std::wstring line = GetCommandLineW();
+    return process::child(line.substr(line.find(separator) + separator.size()), Leash());
+}
+
+void signal(const process::child& /*command*/, int /*number*/) {}
+
+int exitCode(const process::child& command)
+{
+    return command.native_exit_code();
+}
+} // namespace sandbox::platform
