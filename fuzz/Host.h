@@ -1,0 +1,37 @@
+/// @file
+/// The host of the fuzzers: what it calls, and the log that it watches.
+#pragma once
+
+#include "VantryApi.h"
+
+#include <log4cxx/level.h>
+
+#include <string>
+#include <string_view>
+
+namespace fuzz
+{
+/// Ends the process, which is how a fuzzer learns of a find.
+void require(bool holds, std::string_view what);
+
+/// Sets the level of the library's loggers. From the first call on every line is watched.
+void logAt(const log4cxx::LevelPtr& level);
+
+/// The text that no line may hold from now on; empty: none.
+void forbidInLog(const std::string& utf8);
+
+/// Gives `client` an endpoint and these credentials, the password of which no line may show in a query.
+void setUp(VantryIntegrationApi::CVantryApi& client, const std::wstring& endPoint,
+           const std::wstring& userName, const std::wstring& password);
+
+/// Runs one of the six operations, which `choice` chooses. The exceptions that the interface documents are
+/// caught, and their text returned; it is watched like a line.
+std::string runOperation(VantryIntegrationApi::CVantryApi& client, unsigned char choice);
+
+/// The server's bytes that a fuzzer made, for this request: the byte 1 stands for the request's target, which
+/// a server may well give back.
+std::string withEcho(std::string_view answer, const std::string& target);
+
+/// Whether `text` could stand in the head of a request without making a line of its own.
+bool isOneLine(std::string_view text);
+} // namespace fuzz
