@@ -36,11 +36,14 @@ install(
   FILES docs/for-hosts.md
   DESTINATION .
   RENAME README.md)
+install(FILES docs/faults.md DESTINATION .)
+install(DIRECTORY build/docs/ DESTINATION api) # written by scripts/docs
 set(package_components ${library_components} cli11)
 if(TARGET vantry-desktop-host AND TARGET vantry-sandbox)
   install(TARGETS vantry-desktop-host vantry-sandbox)
   install(DIRECTORY examples/desktop-host DESTINATION examples)
   install(FILES examples/desktop-host/try-it.cmd DESTINATION .)
+  install(DIRECTORY docs/images DESTINATION .)
   list(APPEND package_components ${sandbox_components})
   list(REMOVE_DUPLICATES package_components)
 endif()
