@@ -9,7 +9,8 @@ namespace
 enum Bound : int
 {
     Size = 1,
-    Time = 2
+    Time = 2,
+    Interest = 3
 };
 
 class BoundsCategory : public std::error_category
@@ -19,8 +20,14 @@ public:
 
     std::string message(int bound) const override
     {
-        return bound == Size ? "The answer of the server is longer than 256 MiB."
-                             : "The answer of the server takes longer than 10 minutes.";
+        switch (bound) {
+        case Size:
+            return "The answer of the server is longer than 256 MiB.";
+        case Time:
+            return "The answer of the server takes longer than 10 minutes.";
+        default:
+            return "The rest of the server's answer is of no interest.";
+        }
     }
 };
 
@@ -36,6 +43,9 @@ void VantryIntegrationApi::AnswerBounds::operator()(web::http::message_direction
 {
     if (direction != web::http::message_direction::download) {
         return;
+    }
+    if (*m_givenUp) {
+        refuse(Interest);
     }
     if (size > m_sizeLimit) {
         refuse(Size);

@@ -4,8 +4,10 @@
 
 #include <cpprest/http_msg.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 
 namespace VantryIntegrationApi
 {
@@ -24,9 +26,30 @@ public:
     /// @throws web::http::http_exception whose error code's message names the bound
     void operator()(web::http::message_direction::direction direction, utility::size64_t size);
 
+    /// From now on, on every copy, the next bytes end the request.
+    void giveUp() { *m_givenUp = true; }
+
 private:
     std::uint64_t m_sizeLimit;
     std::chrono::steady_clock::duration m_timeLimit;
     std::chrono::steady_clock::time_point m_start; ///< the clock's epoch: nothing has come yet
+    std::shared_ptr<std::atomic<bool>> m_givenUp = std::make_shared<std::atomic<bool>>(false);
+};
+
+/// Bounds the answer to a request, and gives up, when it goes away, what has not come of it: nothing is
+/// downloaded on behind the operation's back. The request ends itself, at the next bytes. A cancellation from
+/// here could meet the request's own end, and the REST SDK would then close WinHTTP's handle twice.
+class BoundedAnswer
+{
+public:
+    explicit BoundedAnswer(web::http::http_request& request) { request.set_progress_handler(m_bounds); }
+    ~BoundedAnswer() { m_bounds.giveUp(); }
+    BoundedAnswer(const BoundedAnswer&) = delete;
+    BoundedAnswer(BoundedAnswer&&) = delete;
+    BoundedAnswer& operator=(const BoundedAnswer&) = delete;
+    BoundedAnswer& operator=(BoundedAnswer&&) = delete;
+
+private:
+    AnswerBounds m_bounds;
 };
 } // namespace VantryIntegrationApi

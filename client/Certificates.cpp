@@ -1,5 +1,5 @@
+#include "AnswerBounds.h"
 #include "ClientConfig.h"
-#include "GivenUp.h"
 #include "RestText.h"
 #include "StringTable.h"
 #include "Utils.h"
@@ -55,9 +55,9 @@ bool CVantryApi::validateCertificateRequest()
         http_client client(toRestText(base), getClientConfig(true));
         LUMO_INFO(L"Used url: " << base << fromRestText(probe.request_uri().to_string()));
         {
-            const GivenUp body;
+            const BoundedAnswer bounded(probe);
             const auto answered =
-                client.request(probe, body.token()).then([this](const web::http::http_response& response) {
+                client.request(probe).then([this](const web::http::http_response& response) {
                     m_lastResponse = {response.status_code(), fromRestText(response.reason_phrase())};
                 });
             LUMO_DEBUG(L"Going to run task and get results.");

@@ -1,5 +1,4 @@
 #include "AnswerBounds.h"
-#include "GivenUp.h"
 #include "GuardedCall.h"
 #include "RestText.h"
 #include "VantryApi.h"
@@ -44,14 +43,12 @@ ResponseStatus CVantryApi::exchange(const wchar_t* caller, const uri& base, web:
 {
     LUMO_LINES_OF(m_logger, caller);
     web::http::client::http_client client(base, getClientConfig(false));
-    request.set_progress_handler(AnswerBounds());
-    const GivenUp rest;
+    const BoundedAnswer bounded(request);
     const auto status = std::make_shared<ResponseStatus>();
-    auto answer =
-        client.request(request, rest.token()).then([status, &reader](web::http::http_response response) {
-            *status = {response.status_code(), fromRestText(response.reason_phrase())};
-            return reader(response);
-        });
+    auto answer = client.request(request).then([status, &reader](web::http::http_response response) {
+        *status = {response.status_code(), fromRestText(response.reason_phrase())};
+        return reader(response);
+    });
     LUMO_DEBUG(L"Going to run tasks and get results.");
     answer.wait();
     result = answer.get();
