@@ -12,4 +12,7 @@ std::string toUtf8(const std::wstring& text);
 
 /// Whatever in `utf8` is no well-formed text becomes U+FFFD.
 std::wstring fromUtf8(std::string_view utf8);
+
+/// Whether all of `text` is well-formed.
+bool isUtf8(std::string_view text);
 } // namespace Platform
