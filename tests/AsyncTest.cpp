@@ -56,15 +56,6 @@ TEST_P(EveryAsynchronous, OneMessageFollowsTheResult)
     EXPECT_EQ(GetLastResponse().httpStatusCode, 418);
 }
 
-TEST_P(EveryAsynchronous, ARefusedCertificateIsAnnouncedToo)
-{
-    useHttps();
-    SetValidateCertificateCallback([](const CERT_CONTEXT&) { return false; });
-    GetParam().start();
-    finish(window);
-    expectStatus(601, certificateRefusedText);
-}
-
 INSTANTIATE_TEST_SUITE_P(Call, EveryAsynchronous, testing::ValuesIn(operations()), nameOfParameter);
 
 TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)

@@ -117,34 +117,6 @@ TEST_F(UnknownAuthority, FailsBeforeTheHostIsAsked)
     EXPECT_TRUE(same(tail, excerpt(texts, L"http_exception happened", 4)));
 }
 
-TEST_F(Certificate, AServerThatIsNotThereFailsInTheProbe)
-{
-    answerWith(true);
-    SetEndPoint(L"https://localhost:1/helpdesk/rest");
-    log.clear();
-    CreateSession();
-    const auto texts = log.texts();
-    const auto& status = GetLastResponse();
-    EXPECT_EQ(status.httpStatusCode, 600);
-    EXPECT_EQ(asked, 0);
-    const auto name = api + L"validateCertificateRequest";
-    const auto config = api + L"getClientConfig";
-    const auto& call = operation(L"CreateSession");
-    const auto failed = scope(
-        name,
-        scope(utils + L"getSchemeIpAsUrl") +
-            scope(config,
-                  {debug(config + L"; This is secure connection. Setting validation of certificates.")}) +
-            Lines{info(validation + L"Used url: https://localhost:1/"),
-                  debug(validation + L"Going to run task and get results."),
-                  fatal(validation + L"http_exception happened: \u2026"),
-                  error(validation + L"Certificate validation wasn't successful."),
-                  fatal(validation + L"Error Code: \u2026; Message: " + status.errorMessage)});
-    EXPECT_TRUE(same(synchronous(call, prepared(call, L"https://localhost:1/helpdesk/rest" + call.path) +
-                                           refused(call, failed)),
-                     texts));
-}
-
 TEST_F(Certificate, AnExceptionOfTheCallbackCountsAsARefusal)
 {
     SetValidateCertificateCallback(
@@ -177,19 +149,6 @@ TEST_F(Certificate, WhatTheProbeAnswersDoesNotDecide)
         EXPECT_EQ(whenAsked.errorMessage, L"Not Found");
         expectStatus(trusted ? 200 : 601, trusted ? L"OK" : certificateRefusedText);
     }
-}
-
-TEST_F(Certificate, TheRequestItselfIsSentWithoutValidation)
-{
-    if (authorityStaysTrusted()) {
-        GTEST_SKIP() << "would take back the trust that other tests need";
-    }
-    SetValidateCertificateCallback([this](const CERT_CONTEXT&) {
-        distrustAuthority(sandbox.get("/ca.der"));
-        return true;
-    });
-    CreateSession();
-    expectStatus(200, L"OK");
 }
 
 TEST_F(Certificate, AnEmptyCallbackTrustsTheServer)

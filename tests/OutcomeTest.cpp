@@ -119,42 +119,6 @@ TEST_P(AnswerBody, IsReadByItsContentTypeAlone)
 
 INSTANTIATE_TEST_SUITE_P(Type, AnswerBody, testing::ValuesIn(bodies));
 
-TEST_F(Outcome, AnErrorAnswerKeepsTheServersCodeAndReason)
-{
-    for (const auto& [code, reason] :
-         {std::pair{404, "Nowhere to be found"}, {500, ""}, {503, "\u00DCberlastet"}}) {
-        const std::string head = "HTTP/1.1 " + std::to_string(code) + " " + reason;
-        sandbox.plan(Answer::bytes(
-            head + "\r\nContent-Type: application/json\r\nContent-Length: 13\r\n\r\n{\"error\":\"e\"}"));
-        CreateSession();
-        EXPECT_EQ(GetLastResponse().httpStatusCode, code);
-    }
-    sandbox.plan(Answer::bytes("HTTP/1.1 404 Nowhere to be found\r\nContent-Length: 0\r\n\r\n"));
-    CreateSession();
-    expectStatus(404, L"Nowhere to be found");
-}
-
-TEST_F(Outcome, ATextualErrorPageHidesTheServersCode)
-{
-    sandbox.plan(Answer(500, "Internal failure", "text/plain"));
-    CreateSession();
-    expectFailureLoggedAs(utils + L"safe_CallMethod; json_exception happened: ");
-    expectFailureLoggedAs(reader + L"; ");
-}
-
-TEST_F(Outcome, AnAnswerCutShortFails)
-{
-    for (const int bytes : {0, 10, 120}) {
-        SCOPED_TRACE(bytes);
-        log.clear();
-        sandbox.plan(Answer(200, std::string(1000, ' ') + R"({"sessionKey":"new"})").cutAfter(bytes));
-        CreateSession();
-        EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
-        EXPECT_FALSE(log.with(L"FATAL CVantryApi " + utils + L"safe_CallMethod; ").empty());
-    }
-    EXPECT_EQ(session(), " ");
-}
-
 TEST_F(Outcome, ABodyOfNoUseIsReadForTheTraceAloneAndMayBeBroken)
 {
     const auto broken = Answer::bytes("HTTP/1.1 200 Fine\r\nContent-Type: application/octet-stream\r\n"
@@ -208,22 +172,6 @@ TEST_F(Outcome, TheSessionIsWhatTheLastAnswerWithABodySaid)
         CreateSession();
         EXPECT_EQ(session(), table[row].session);
     }
-}
-
-TEST_F(Outcome, ACookieWithoutAnAttributeFailsWithTheGeneralText)
-{
-    sandbox.plan(Answer(200, R"({"sessionKey":"k"})").header("Set-Cookie", "X=1"));
-    CreateSession();
-    const auto texts = log.texts();
-    expectStatus(600, requestFailedText);
-    EXPECT_TRUE(
-        same(Lines{fatal(utils + L"safe_CallMethod; std::exception happened: \u2026")} +
-                 scope(utils + L"LoadStringW") +
-                 Lines{info(utils +
-                            L"safe_CallMethod; Returnting ResponseStatus information with such values. "
-                            L"HttpStatusCode: 600 Error Message: " +
-                            requestFailedText)},
-             excerpt(texts, L"std::exception happened", 4)));
 }
 
 TEST_F(Outcome, TheServersBodyIsLoggedAsItCame)
@@ -311,15 +259,6 @@ TEST_F(Outcome, AListIsEmptiedByEveryRequest)
         EXPECT_EQ(GetLastResponse().httpStatusCode, code);
     }
     EXPECT_EQ(log.with(L"INFO CVantryApi We received: 0 tickets.").size(), 1U);
-}
-
-TEST_F(Outcome, ATextOfATicketThatIsNoTextLeavesAsAnException)
-{
-    sandbox.plan(Answer(200, R"([{"id":1},{"id":2,"shortSubject":3},{"id":4}])"));
-    EXPECT_THROW(RequestTicketList(L"42", Client), web::json::json_exception);
-    EXPECT_EQ(log.texts().back(), trace(api + L"wrpRequestTicketList exiting."));
-    ASSERT_EQ(GetTicketList().size(), 1U);
-    EXPECT_EQ(GetTicketList().front().id, L"1");
 }
 
 TEST_F(Outcome, AReasonAgainstAnUploadIsNeverReportedAs200)

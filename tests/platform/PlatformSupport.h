@@ -12,9 +12,6 @@ void trustAuthority(const std::string& pemFile, const std::string& der);
 /// Whether the authority is trusted during all of the tests, so that those of other cases cannot be run.
 bool authorityStaysTrusted();
 
-/// Takes that trust back for connections to come.
-void distrustAuthority(const std::string& der);
-
 bool isWindows();
 
 /// Whether a sanitizer runs along.
@@ -23,11 +20,13 @@ bool isSanitized();
 /// Memory of this process that is in use, in bytes.
 std::size_t residentMemory();
 
+std::size_t countThreads();
+
+/// Handles, or descriptors.
+std::size_t countHandles();
+
 /// Whether the HTTP stack takes a body that ends before its Content-Length for an error.
 bool reportsShortBodies();
 
 /// `text` in the calling thread's ANSI code page.
 std::string inThreadCodePage(const std::wstring& text);
-
-/// Wide text that is no text, one kind of fault each.
-std::vector<std::wstring> malformedTexts();

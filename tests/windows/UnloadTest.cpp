@@ -8,8 +8,6 @@
 
 #include <windows.h>
 
-#include <tlhelp32.h>
-
 #include <chrono>
 #include <iostream>
 #include <optional>
@@ -62,30 +60,6 @@ bool waitUntilModuleIsGone()
     return false;
 }
 
-unsigned countThreads()
-{
-    const auto snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-    unsigned threads = 0;
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof(entry);
-    for (auto more = Thread32First(snapshot, &entry); more != FALSE; more = Thread32Next(snapshot, &entry)) {
-        threads += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
-    }
-    CloseHandle(snapshot);
-    return threads;
-}
-
-/// Asks for each possible handle: not every system implements the call that counts them.
-unsigned countHandles()
-{
-    unsigned handles = 0;
-    for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
-        DWORD flags = 0;
-        handles += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE ? 1 : 0;
-    }
-    return handles;
-}
-
 class UnloadTest : public testing::TestWithParam<bool>
 {
 protected:
@@ -129,8 +103,8 @@ TEST_P(UnloadTest, TwoHundredLivesOfTheLibraryLeaveNothingBehind)
 {
     constexpr int warmUp = 20;
     constexpr int rounds = 200;
-    unsigned threads = 0;
-    unsigned handles = 0;
+    std::size_t threads = 0;
+    std::size_t handles = 0;
     for (int round = 0; round < warmUp + rounds; ++round) {
         if (round == warmUp) {
             threads = countThreads();

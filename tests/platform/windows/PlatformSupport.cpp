@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <psapi.h>
+#include <tlhelp32.h>
 #include <wincrypt.h>
 
 #include <cstdlib>
@@ -67,13 +68,6 @@ void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
     CertFreeCertificateContext(addedTo(store.get(), der));
 }
 
-// Deleting frees the context. Wine forgets the deletion: there this takes nothing back.
-void distrustAuthority(const std::string& der)
-{
-    const auto store = rootsOfUser();
-    CertDeleteCertificateFromStore(addedTo(store.get(), der));
-}
-
 bool isWindows()
 {
     return true;
@@ -93,6 +87,30 @@ std::size_t residentMemory()
     return counters.WorkingSetSize;
 }
 
+std::size_t countThreads()
+{
+    const auto snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    std::size_t threads = 0;
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof(entry);
+    for (auto more = Thread32First(snapshot, &entry); more != FALSE; more = Thread32Next(snapshot, &entry)) {
+        threads += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    }
+    CloseHandle(snapshot);
+    return threads;
+}
+
+/// Asks for each possible handle: not every system implements the call that counts them.
+std::size_t countHandles()
+{
+    std::size_t handles = 0;
+    for (std::uintptr_t value = 4; value < 0x10000; value += 4) {
+        DWORD flags = 0;
+        handles += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) != FALSE ? 1 : 0;
+    }
+    return handles;
+}
+
 // WinHTTP's reading ends with what there is, at least in Wine.
 bool reportsShortBodies()
 {
@@ -108,9 +126,4 @@ std::string inThreadCodePage(const std::wstring& text)
     WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, bytes.data(), static_cast<int>(bytes.size()),
                         nullptr, nullptr);
     return bytes;
-}
-
-std::vector<std::wstring> malformedTexts()
-{
-    return {{L'a', static_cast<wchar_t>(0xD800)}, {static_cast<wchar_t>(0xDC00), L'a'}};
 }

@@ -1,6 +1,0 @@
-#include "faults/Fault.h"
-
-Section platformFaults()
-{
-    return {"Resources", {}};
-}
