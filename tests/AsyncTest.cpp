@@ -7,7 +7,6 @@
 
 #include <future>
 
-using namespace Trace;
 using namespace std::chrono_literals;
 
 namespace
@@ -60,65 +59,54 @@ INSTANTIATE_TEST_SUITE_P(Call, EveryAsynchronous, testing::ValuesIn(operations()
 
 TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)
 {
-    const std::string body = R"({"id":1001})";
-    sandbox.plan(Answer(201, body));
-    const auto& call = operation(L"CreateTicket");
-    call.start();
+    sandbox.plan(Answer(201, R"({"id":1001})"));
+    operation(L"CreateTicket").start();
     finish(window);
     const auto self = std::this_thread::get_id();
-    EXPECT_TRUE(same(asynchronousHost(call), log.texts([self](auto thread) { return thread == self; })));
-    EXPECT_TRUE(
-        same(worker(call, prepared(call, sandbox.http + call.path) + validated(call, notSecured()) +
-                              sent(call,
-                                   {{},
-                                    jsonAnswer(L"201. HTTP Status message: Created", body.size()),
-                                    {info(api + L"unsafe_sendRequest; Server's response: " + wide(body))},
-                                    {}},
-                                   L"201", L"Created") +
-                              Lines{info(api + L"createTicket; Returning created ticket ID: 1001")}),
-             log.texts([self](auto thread) { return thread != self; })));
+    expectLog("asynchronous-host", log.texts([self](auto thread) { return thread == self; }));
+    expectLog("asynchronous-worker", log.texts([self](auto thread) { return thread != self; }));
 }
 
+namespace
+{
 /// The host's record is overwritten as soon as the worker runs, before it has read anything.
-TEST_F(Asynchronous, TheHostMayReuseItsNoteAtOnce)
+class ReusedRecord : public Asynchronous
 {
-    TechNote note{L"1", L"mine", 5, true};
-    log.onLine(L"::saveTechNote entering.", [&] { note = {L"2", L"other", 6, false}; });
-    SaveTechNote(note);
-    finish(window);
+protected:
+    /// What arrives of a call with `record`.
+    template <typename Record>
+    Request sentOf(Record record, const Record& other, const std::wstring& member,
+                   const std::function<void(const Record&)>& call)
+    {
+        log.clear();
+        sandbox.forgetRequests();
+        log.onLine(L"::" + member + L" entering.", [&] { record = other; });
+        call(record);
+        finish(window);
+        return sandbox.onlyRequest();
+    }
+};
+} // namespace
+
+TEST_F(ReusedRecord, ArrivesAsItWas)
+{
     EXPECT_EQ(
-        sandbox.onlyRequest().body,
+        sentOf<TechNote>({L"1", L"mine", 5, true}, {L"2", L"other", 6, false}, L"saveTechNote", SaveTechNote)
+            .body,
         R"({"isHidden":false,"jobticket":{"id":"1","type":"JobTicket"},"noteText":"mine","workTime":"5"})");
-}
-
-TEST_F(Asynchronous, TheHostMayReuseItsFileAtOnce)
-{
-    Attachment attachment{"mine", L"mine.txt"};
-    log.onLine(L"::saveAttachment entering.", [&] { attachment = {"other", L"other.txt"}; });
-    SaveAttachment(attachment);
-    finish(window);
-    const auto body = sandbox.onlyRequest().body;
-    EXPECT_NE(body.find("mine.txt"), std::string::npos);
-    EXPECT_NE(body.find("\r\n\r\nmine\r\n"), std::string::npos);
-}
-
-TEST_F(Asynchronous, TheHostMayReuseItsTicketAtOnce)
-{
-    TicketCreationInformation ticket{L"1", Client, L"mine", L"my text"};
-    log.onLine(L"::createTicket entering.", [&] { ticket = {L"2", Asset, L"other", L"text"}; });
-    CreateTicket(ticket);
-    finish(window);
-    EXPECT_EQ(sandbox.onlyRequest().body,
+    EXPECT_NE(
+        sentOf<Attachment>({"mine", L"mine.txt"}, {"other", L"other.txt"}, L"saveAttachment", SaveAttachment)
+            .body.find("mine.txt\"\r\nContent-Type: null\r\nContent-Transfer-Encoding: "
+                       "binary\r\n\r\nmine\r\n"),
+        std::string::npos);
+    EXPECT_EQ(sentOf<TicketCreationInformation>({L"1", Client, L"mine", L"my text"},
+                                                {L"2", Asset, L"other", L"text"}, L"createTicket",
+                                                CreateTicket)
+                  .body,
               R"({"clientReporter":{"id":"1","type":"Client"},"detail":"my text","subject":"mine"})");
-}
-
-TEST_F(Asynchronous, TheHostMayReuseItsIdentifierAtOnce)
-{
-    std::wstring identifier = L"1";
-    log.onLine(L"::requestTicketList entering.", [&] { identifier = L"2"; });
-    RequestTicketList(identifier, Client);
-    finish(window);
-    EXPECT_NE(sandbox.onlyRequest().target.find("(clientId=1)"), std::string::npos);
+    const auto list = [](const std::wstring& identifier) { RequestTicketList(identifier, Client); };
+    EXPECT_NE(sentOf<std::wstring>(L"1", L"2", L"requestTicketList", list).target.find("(clientId=1)"),
+              std::string::npos);
 }
 
 namespace

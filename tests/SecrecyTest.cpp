@@ -1,7 +1,7 @@
 // No password reaches a log, however it is written.
 #include "support/VantryTest.h"
 
-using namespace Trace;
+using namespace LogText;
 
 namespace
 {
@@ -11,8 +11,8 @@ protected:
     void expectUrls(const Operation& call, const std::wstring& path)
     {
         const auto name = api + call.member;
-        EXPECT_TRUE(same({info(L"Function: " + name + L" used url: " + sandbox.http + path)},
-                         log.with(L"Function: " + name)));
+        EXPECT_EQ(log.with(L"Function: " + name),
+                  std::vector{info(L"Function: " + name + L" used url: " + sandbox.http + path)});
     }
 };
 

@@ -3,18 +3,22 @@
 #include <memory>
 #include <utility>
 
-using namespace Trace;
-
 namespace
 {
 class Settings : public VantryTest
-{};
-
-Lines hostScope(const std::wstring& name, const Lines& inner)
 {
-    const auto line = L"TRACE TAVIKVANTRYAPI " + name;
-    return Lines{line + L" entering."} + inner + Lines{line + L" exiting."};
-}
+protected:
+    static void callEverySetterAndGetter()
+    {
+        SetEndPoint(L"http://host\u00E9/rest");
+        SetCredentials(L"user", L"secret");
+        SetValidateCertificateCallback({});
+        SetHWND(nullptr);
+        GetLastResponse();
+        GetCreatedTicketID();
+        GetTicketList();
+    }
+};
 } // namespace
 
 TEST_F(Settings, NothingHasHappenedBeforeTheFirstOperation)
@@ -33,35 +37,16 @@ TEST_F(Settings, GettersReferToTheSameObjectsEveryTime)
 
 TEST_F(Settings, EverySetterAndGetterLeavesItsTrace)
 {
-    SetEndPoint(L"");
-    SetCredentials(L"user", L"secret");
-    SetValidateCertificateCallback({});
-    SetHWND(nullptr);
-    GetLastResponse();
-    GetCreatedTicketID();
-    GetTicketList();
-    EXPECT_TRUE(same(
-        hostScope(L"SetEndPoint", scope(api + L"setEndPoint", {info(api + L"setEndPoint; Endpoing: ")})) +
-            hostScope(L"SetCredentials", scope(api + L"setCredentials")) +
-            hostScope(L"SetValidateCertificateCallback", scope(api + L"setValidateCertificateCallback")) +
-            hostScope(L"SetHWND", scope(api + L"setHWND")) +
-            hostScope(L"GetLastResponse", scope(api + L"GetLastResponse")) +
-            hostScope(L"GetCreatedTicketID", scope(api + L"GetCreatedTicketID")) +
-            hostScope(L"GetTicketList", scope(api + L"GetTicketList")),
-        log.texts()));
+    callEverySetterAndGetter();
+    expectLog("settings");
 }
 
 TEST_F(Settings, WithoutTraceOnlyTheEndpointIsLogged)
 {
     CapturedLog::setLevel(log4cxx::Level::getDebug());
-    SetEndPoint(L"http://host\u00E9/rest");
-    SetCredentials(L"user", L"secret");
-    SetValidateCertificateCallback({});
-    SetHWND(nullptr);
-    GetLastResponse();
-    GetCreatedTicketID();
-    GetTicketList();
-    EXPECT_TRUE(same({info(api + L"setEndPoint; Endpoing: http://host\u00E9/rest")}, log.texts()));
+    callEverySetterAndGetter();
+    EXPECT_EQ(log.texts(),
+              std::vector{LogText::info(LogText::api + L"setEndPoint; Endpoing: http://host\u00E9/rest")});
 }
 
 TEST_F(Settings, WithInfoOffACallThatSucceedsLogsNothing)
@@ -70,7 +55,7 @@ TEST_F(Settings, WithInfoOffACallThatSucceedsLogsNothing)
     SetEndPoint(sandbox.http);
     CreateSession();
     expectStatus(200, L"OK");
-    EXPECT_TRUE(same({}, log.texts()));
+    EXPECT_TRUE(log.texts().empty());
 }
 
 TEST_F(Settings, OnlyTheCallbackSetLastIsKept)

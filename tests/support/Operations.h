@@ -10,12 +10,8 @@ struct Operation
 {
     std::wstring exportName;
     std::wstring member;
-    std::wstring hostLine; ///< what the export logs
-    int success;           ///< the code that counts as success
-    std::wstring path;     ///< what the masked URL holds behind the endpoint when nothing was saved before
-    std::wstring exchange; ///< the member that sends
-    std::wstring method;   ///< as the JSON exchange logs it
-    std::wstring data;
+    int success;       ///< the code that counts as success
+    std::wstring path; ///< what the masked URL holds behind the endpoint when nothing was saved before
     void (*start)();
 };
 

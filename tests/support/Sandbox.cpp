@@ -175,11 +175,6 @@ void Sandbox::forgetPlans() const
     control(web::http::methods::DEL, "/connections");
 }
 
-void Sandbox::reset() const
-{
-    control(web::http::methods::POST, "/reset");
-}
-
 json::value Sandbox::state() const
 {
     return json::value::parse(to_string_t(get("/state")));

@@ -72,7 +72,6 @@ public:
     void planConnection(const web::json::value& fate) const;
     /// Forgets what was planned and has not come.
     void forgetPlans() const;
-    void reset() const;
 
     web::json::value state() const;
     /// The body of GET `path` on the control interface.

@@ -4,10 +4,11 @@
 
 #include "platform/PlatformSupport.h"
 #include "support/CapturedLog.h"
+#include "support/Golden.h"
+#include "support/LogText.h"
 #include "support/Operations.h"
 #include "support/Sandbox.h"
 #include "support/Text.h"
-#include "support/Trace.h"
 
 #include "TAVIKVANTRYAPI.h"
 
@@ -38,6 +39,15 @@ protected:
     {
         return endPoint.substr(0, endPoint.find(L'/', endPoint.find(L"://") + 3));
     }
+
+    /// Compares lines, as `log.texts()` gives them, with tests/golden/NAME.log.
+    void expectLog(const std::string& name, const std::vector<std::wstring>& lines, Marks marks = {})
+    {
+        marks.insert(marks.end(), {{baseOf(sandbox.http), L"{http}"}, {baseOf(sandbox.https), L"{https}"}});
+        expectGolden(name, lines, marks);
+    }
+
+    void expectLog(const std::string& name) { expectLog(name, log.texts()); }
 
     void expectStatus(int code, const std::wstring& message)
     {

@@ -60,11 +60,30 @@ bool waitUntilModuleIsGone()
     return false;
 }
 
-class UnloadTest : public testing::TestWithParam<bool>
+class Unload : public testing::Test
 {
 protected:
-    UnloadTest() { trustAuthority(sandbox.authorityFile, sandbox.get("/ca.der")); }
+    Unload() { trustAuthority(sandbox.authorityFile, sandbox.get("/ca.der")); }
 
+    void configure(const LoadedLibrary& library)
+    {
+        CALL(library, SetEndPoint)(sandbox.https);
+        CALL(library, SetCredentials)(sandbox.user, sandbox.password);
+        CALL(library, SetValidateCertificateCallback)
+        ([this](const CERT_CONTEXT&) {
+            ++asked;
+            return true;
+        });
+    }
+
+    Sandbox sandbox;
+    TestWindow window;
+    int asked = 0;
+};
+
+class UnloadTest : public Unload, public testing::WithParamInterface<bool>
+{
+protected:
     /// One life of the library: load, configure, open a session, unload at once.
     void loadUseAndUnload()
     {
@@ -82,21 +101,6 @@ protected:
         }
         EXPECT_EQ(CALL(library, GetLastResponse)().httpStatusCode, 200);
     }
-
-    void configure(const LoadedLibrary& library)
-    {
-        CALL(library, SetEndPoint)(sandbox.https);
-        CALL(library, SetCredentials)(sandbox.user, sandbox.password);
-        CALL(library, SetValidateCertificateCallback)
-        ([this](const CERT_CONTEXT&) {
-            ++asked;
-            return true;
-        });
-    }
-
-    Sandbox sandbox;
-    TestWindow window;
-    int asked = 0;
 };
 
 TEST_P(UnloadTest, TwoHundredLivesOfTheLibraryLeaveNothingBehind)
@@ -125,9 +129,7 @@ TEST_P(UnloadTest, TwoHundredLivesOfTheLibraryLeaveNothingBehind)
 INSTANTIATE_TEST_SUITE_P(Mode, UnloadTest, testing::Bool(),
                          [](const auto& info) { return info.param ? "Asynchronous" : "Synchronous"; });
 
-using UnloadWhileRunningTest = UnloadTest;
-
-TEST_P(UnloadWhileRunningTest, AnOperationInFlightKeepsTheModuleUntilItHasPostedItsMessage)
+TEST_F(Unload, AnOperationInFlightKeepsTheModuleUntilItHasPostedItsMessage)
 {
     for (int round = 0; round < 5; ++round) {
         sandbox.plan(Answer(200, R"({"sessionKey":"k"})").to("/helpdesk/rest/Session").after(300));
@@ -142,7 +144,4 @@ TEST_P(UnloadWhileRunningTest, AnOperationInFlightKeepsTheModuleUntilItHasPosted
         ASSERT_TRUE(waitUntilModuleIsGone());
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Mode, UnloadWhileRunningTest, testing::Values(true),
-                         [](const auto& /*info*/) { return "Asynchronous"; });
 } // namespace
