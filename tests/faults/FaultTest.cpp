@@ -5,6 +5,7 @@
 #include "faults/HostFaults.h"
 
 #include "platform/TestWindow.h"
+#include "support/LogText.h"
 #include "support/VantryTest.h"
 
 #include <boost/algorithm/string/replace.hpp>
@@ -313,7 +314,7 @@ private:
             EXPECT_EQ(line.find(sandbox.password), std::wstring::npos) << narrow(line).substr(0, 1000);
             const auto password = line.find(L"password=");
             EXPECT_TRUE(password == std::wstring::npos || password + 9 == line.size() ||
-                        line.compare(password + 9, Trace::mask.size(), Trace::mask) == 0)
+                        line.compare(password + 9, LogText::mask.size(), LogText::mask) == 0)
                 << narrow(line).substr(0, 1000);
         }
         if (m_traced && statusOf(cell) == 600) {
