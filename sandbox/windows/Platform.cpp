@@ -37,9 +37,25 @@ HANDLE createJob()
     return job;
 }
 
-/// Ties a command to the life of this process.
+/// What stands behind "--" on the command line, as it stands there: programs differ in how they read quotes.
+std::wstring givenCommand()
+{
+    const std::wstring separator = L" -- ";
+    const std::wstring line = GetCommandLineW();
+    return line.substr(line.find(separator) + separator.size());
+}
+
+/// Starts the given command and ties it to the life of this process.
 struct Leash : process::extend::handler
 {
+    std::wstring command = givenCommand();
+
+    template <typename Executor>
+    void on_setup(Executor& executor) const
+    {
+        executor.cmd_line = command.c_str();
+    }
+
     template <typename Executor>
     void on_success(Executor& executor) const
     {
@@ -85,12 +101,9 @@ void addStopSignals(boost::asio::signal_set& signals)
     require(SetConsoleCtrlHandler(endInGoodOrder, TRUE) != 0, "cannot await the console's end");
 }
 
-/// The command is taken as it stands on the command line: programs differ in how they read quotes.
 process::child start(const std::vector<std::string>& /*command*/)
 {
-    const std::wstring separator = L" -- ";
-    const std::wstring line = GetCommandLineW();
-    return process::child(line.substr(line.find(separator) + separator.size()), Leash());
+    return process::child(Leash());
 }
 
 void signal(const process::child& /*command*/, int /*number*/) {}
