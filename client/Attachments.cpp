@@ -6,7 +6,6 @@
 
 #include <ctime>
 #include <sstream>
-#include <stdexcept>
 
 using Platform::toAnsi;
 using Platform::toRestText;
@@ -30,15 +29,6 @@ std::string multipartBody(const std::wstring& boundary, const Attachment& attach
          << "--===" << token << "===--\r\n";
     return body.str();
 }
-
-/// Headers end where a line ends: such a text would write headers of its own.
-/// @throws std::invalid_argument
-void requireOneLine(const std::wstring& text, const std::string& name)
-{
-    if (text.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) {
-        throw std::invalid_argument("The " + name + " holds a line break or a zero character.");
-    }
-}
 } // namespace
 
 namespace VantryIntegrationApi
@@ -48,9 +38,9 @@ void CVantryApi::saveAttachment(const Attachment& attachment)
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveAttachment");
     const auto prepareRequest = [&] {
-        requireOneLine(attachment.fileName, "file name");
-        requireOneLine(m_userName, "user name");
-        requireOneLine(m_session.m_sessionKey, "session key");
+        Utils::requireOneLine(attachment.fileName, "file name");
+        Utils::requireOneLine(m_userName, "user name");
+        Utils::requireOneLine(m_session.m_sessionKey, "session key");
         const auto requestUri =
             web::uri_builder()
                 .set_path(U("/attachment/upload"))

@@ -31,7 +31,9 @@ std::wstring setCookie(const http_response& response)
                 // The server promises attributes. A cookie without one ends as a failure, not as a session.
                 throw std::out_of_range("invalid string position");
             }
-            return fromRestText(header.second.substr(0, end));
+            auto cookie = fromRestText(header.second.substr(0, end));
+            VantryIntegrationApi::Utils::requireOneLine(cookie, "session cookie"); // it goes back in a header
+            return cookie;
         }
     }
     return {};

@@ -79,4 +79,11 @@ utility::string_t credentialQuery(const std::wstring& userName, const std::wstri
         .append_query(U("password=") + encoded(password), false)
         .query();
 }
+
+void requireOneLine(const std::wstring& text, const std::string& name)
+{
+    if (text.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) {
+        throw std::invalid_argument("The " + name + " holds a line break or a zero character.");
+    }
+}
 } // namespace VantryIntegrationApi::Utils

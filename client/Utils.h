@@ -38,4 +38,9 @@ std::optional<std::wstring> shownInQuery(const std::wstring& text);
 /// Query elements "username=" and "password=", encoded, in this order.
 /// @throws std::range_error if a text is malformed
 utility::string_t credentialQuery(const std::wstring& userName, const std::wstring& password);
+
+/// For text that goes into a header, which ends where a line ends: it could write headers of its own. `name`
+/// is what the exception calls the text.
+/// @throws std::invalid_argument if `text` holds a line break or a zero character
+void requireOneLine(const std::wstring& text, const std::string& name);
 } // namespace VantryIntegrationApi::Utils
