@@ -191,12 +191,12 @@ TEST_F(Asynchronous, WithoutAWindowCallsAreSynchronousAgainAndAnnounceNothing)
     for (const auto& call : operations()) {
         call.start();
     }
-    EXPECT_EQ(log.with(L"Sync. ").size(), operations().size());
-    EXPECT_TRUE(log.with(L"Sending signal").empty());
+    EXPECT_EQ(log.containing(L"Sync. ").size(), operations().size());
+    EXPECT_TRUE(log.containing(L"Sending signal").empty());
     EXPECT_FALSE(window.next(200ms));
 }
 
-/// What a process does whose asynchronous list meets a text member that is no text.
+/// An answer with a number where a text belongs: without a window the exception would reach the host.
 TEST(AsynchronousDeathTest, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";

@@ -6,7 +6,7 @@
 
 namespace
 {
-/// Secure, asynchronous.
+/// The parameters: over TLS or not, with a window or not.
 class MainJob : public VantryTest, public testing::WithParamInterface<std::tuple<bool, bool>>
 {
 protected:

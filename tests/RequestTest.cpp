@@ -27,7 +27,7 @@ protected:
         EXPECT_TRUE(headers.empty()) << headers.begin()->first << ": " << headers.begin()->second;
     }
 
-    /// Leaves the client with a session and a note; the requests of that are forgotten.
+    /// Opens a session and saves a note; the sandbox forgets both requests.
     void open(const std::string& sessionKey, const std::string& cookie, const std::string& noteId)
     {
         sandbox.plan(Answer(200, R"({"sessionKey":)" + sessionKey + "}").header("Set-Cookie", cookie));
@@ -233,7 +233,7 @@ TEST_F(UploadBytes, AnyContentAndFileNameArriveUnchanged)
         SCOPED_TRACE(narrow(attachment.fileName));
         const auto request = upload(attachment);
         EXPECT_TRUE(request.body == bodyOf(inThreadCodePage(attachment.fileName), attachment.data));
-        EXPECT_EQ(log.with(L"Content Length is: " + std::to_wstring(request.body.size())).size(), 1U);
+        EXPECT_EQ(log.containing(L"Content Length is: " + std::to_wstring(request.body.size())).size(), 1U);
     }
 }
 
@@ -246,7 +246,7 @@ TEST_F(UploadBytes, TheBaseIsMadeOfSchemeHostAndExplicitPort)
         SetEndPoint(endPoint);
         log.clear();
         SaveAttachment({"x", L"x"});
-        EXPECT_EQ(log.with(L"Setting the end point"),
+        EXPECT_EQ(log.containing(L"Setting the end point"),
                   std::vector{LogText::info(LogText::api +
                                             L"unsafe_sendRequest_UploadAttachment; Setting the end point for "
                                             L"uploading attachment: " +

@@ -11,7 +11,7 @@ protected:
     void expectUrls(const Operation& call, const std::wstring& path)
     {
         const auto name = api + call.member;
-        EXPECT_EQ(log.with(L"Function: " + name),
+        EXPECT_EQ(log.containing(L"Function: " + name),
                   std::vector{info(L"Function: " + name + L" used url: " + sandbox.http + path)});
     }
 };
@@ -29,7 +29,7 @@ const std::vector<Masking> maskings{
     {L"a b&c", L"d+\u00E9%", L"/Session?username=*&password=*"},
     {L"same", L"same", L"/Session?username=*&password=*"},
     {L"wrench1", L"wrench", L"/Session?username=*&password=*"},
-    // A text that occurs earlier is masked there; the password's own value never stays.
+    // A user name that occurs earlier is masked there instead. The value after "password=" is always masked.
     {L"Session", L"wrench", L"/*?username=Session&password=*"},
     {L"user", L"wrench", L"/Session?*name=user&password=*"},
     {L"technician", L"Session", L"/*?username=*&password=*"},

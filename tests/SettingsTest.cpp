@@ -73,7 +73,7 @@ TEST_F(Settings, OnlyTheCallbackSetLastIsKept)
 
 namespace
 {
-/// Notes at every copy whether the callback before it has gone.
+/// A callback that notes, whenever it is copied, whether the one before it has been destroyed.
 struct Successor
 {
     Successor(std::weak_ptr<int> watched, bool& note) : predecessor(std::move(watched)), gone(note) {}

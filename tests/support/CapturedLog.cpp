@@ -128,7 +128,7 @@ std::vector<std::wstring> CapturedLog::texts(const std::function<bool(std::threa
     return result;
 }
 
-std::vector<std::wstring> CapturedLog::with(const std::wstring& part) const
+std::vector<std::wstring> CapturedLog::containing(const std::wstring& part) const
 {
     auto found = texts();
     found.erase(std::remove_if(found.begin(), found.end(),

@@ -47,7 +47,7 @@ public:
     }) const;
 
     /// The texts that contain `part`.
-    std::vector<std::wstring> with(const std::wstring& part) const;
+    std::vector<std::wstring> containing(const std::wstring& part) const;
 
     /// Waits up to ten seconds for a line that ends with `end`.
     bool waitFor(const std::wstring& end) const;

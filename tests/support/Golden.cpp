@@ -34,7 +34,7 @@ std::string marked(const std::vector<std::wstring>& lines, const Marks& marks)
 
 void expectGolden(const std::string& name, const std::vector<std::wstring>& lines, const Marks& marks)
 {
-    const auto path = VANTRY_GOLDEN_FOLDER "/" + name + ".log";
+    const auto path = "tests/golden/" + name + ".log";
     const auto actual = marked(lines, marks);
     if (std::getenv("VANTRY_UPDATE_GOLDEN") != nullptr) {
         const auto written = std::ofstream(path, std::ios::binary).write(actual.data(), actual.size()).good();

@@ -1,5 +1,6 @@
 /// @file
-/// Logs of whole calls, which stand in tests/golden/NAME.log and are the same for both targets.
+/// Logs of whole calls, which stand in tests/golden/NAME.log, seen from the working folder, and are the same
+/// for both targets.
 #pragma once
 
 #include <string>

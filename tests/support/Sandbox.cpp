@@ -121,7 +121,7 @@ Sandbox::Sandbox()
       password(wide(environment("PASSWORD"))), authorityFile(environment("CA_FILE")),
       m_control(to_string_t(environment("CONTROL")))
 {
-    reset(); // it may have served another test before
+    control(web::http::methods::POST, "/reset"); // it may have served another test before
 }
 
 std::vector<Request> Sandbox::allRequests() const

@@ -100,8 +100,8 @@ TEST(GuardedCall, MapsWhateverIsThrown)
         for (const auto& text : row.fatals) {
             expected.push_back(L"FATAL " + name + text);
         }
-        EXPECT_EQ(log.with(L"FATAL"), expected);
-        EXPECT_EQ(log.with(L"INFO"),
+        EXPECT_EQ(log.containing(L"FATAL"), expected);
+        EXPECT_EQ(log.containing(L"INFO"),
                   (std::vector{L"INFO " + name +
                                L"Returnting ResponseStatus information with such values. HttpStatusCode: " +
                                std::to_wstring(row.code) + L" Error Message: " + row.message}));
