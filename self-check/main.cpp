@@ -200,6 +200,7 @@ bool checkSystem(Report& report)
 int wmain(int argc, wchar_t** argv)
 {
     SetConsoleOutputCP(CP_UTF8);
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX); // of the tests, too: a crash asks nobody
     try {
         if (argc != 2) {
             throw std::runtime_error("usage: vantry-sandbox -- vantry-self-check REPORT");
