@@ -2,43 +2,56 @@
 
 #include <windows.h>
 
-#include <future>
+#include <cstdlib>
 #include <memory>
 #include <system_error>
 
 namespace
 {
-struct CloseFile
+struct CloseHandles
 {
     void operator()(void* handle) const { CloseHandle(handle); }
 };
-using Handle = std::unique_ptr<void, CloseFile>;
+using Handle = std::unique_ptr<void, CloseHandles>;
 
 [[noreturn]] void throwLastError(const std::string& what)
 {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
-struct Pipe
+/// Goes with its handle. A pipe would stay open as long as anything that a test has started.
+Handle createOutputFile()
 {
-    Handle reading;
-    Handle writing;
-};
-
-/// Only the writing end goes to programs that are started.
-Pipe createPipe()
-{
-    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-    HANDLE reading = nullptr;
-    HANDLE writing = nullptr;
-    if (CreatePipe(&reading, &writing, &inherited, 0) == FALSE) {
-        throwLastError("CreatePipe");
+    std::wstring folder(MAX_PATH + 1, L'\0');
+    folder.resize(GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()));
+    std::wstring name(MAX_PATH, L'\0');
+    if (GetTempFileNameW(folder.c_str(), L"vsc", 0, name.data()) == 0) {
+        throwLastError("GetTempFileName");
     }
-    SetHandleInformation(reading, HANDLE_FLAG_INHERIT, 0);
-    return {Handle(reading), Handle(writing)};
+    SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
+    HANDLE const file = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, &inherited, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        throwLastError("CreateFile");
+    }
+    return Handle(file);
 }
 
-Handle start(const std::filesystem::path& program, const std::wstring& argument, HANDLE output)
+/// What is in it ends with it.
+Handle createJob()
+{
+    Handle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    if (!job || SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits,
+                                        sizeof(limits)) == FALSE) {
+        throwLastError("CreateJobObject");
+    }
+    return job;
+}
+
+/// A process in `job`, whose output goes to `output`.
+Handle start(const std::filesystem::path& program, const std::wstring& argument, HANDLE job, HANDLE output)
 {
     std::wstring commandLine = L"\"" + program.wstring() + L"\" " + argument;
     STARTUPINFOW startup{};
@@ -47,20 +60,28 @@ Handle start(const std::filesystem::path& program, const std::wstring& argument,
     startup.hStdOutput = output;
     startup.hStdError = output;
     PROCESS_INFORMATION process{};
-    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                       &startup, &process) == FALSE) {
+    if (CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
+                       nullptr, &startup, &process) == FALSE) {
         throwLastError("cannot start " + program.u8string());
     }
-    CloseHandle(process.hThread);
-    return Handle(process.hProcess);
+    const Handle thread(process.hThread);
+    Handle started(process.hProcess);
+    if (AssignProcessToJobObject(job, started.get()) == FALSE) {
+        TerminateProcess(started.get(), EXIT_FAILURE);
+        throwLastError("AssignProcessToJobObject");
+    }
+    ResumeThread(thread.get());
+    return started;
 }
 
-std::string readAll(HANDLE pipe)
+std::string readFromBegin(HANDLE file)
 {
+    SetFilePointer(file, 0, nullptr, FILE_BEGIN);
     std::string text;
     std::string part(4096, '\0');
     DWORD length = 0;
-    while (ReadFile(pipe, part.data(), static_cast<DWORD>(part.size()), &length, nullptr) != FALSE) {
+    while (ReadFile(file, part.data(), static_cast<DWORD>(part.size()), &length, nullptr) != FALSE &&
+           length > 0) {
         text.append(part, 0, length);
     }
     return text;
@@ -70,19 +91,18 @@ std::string readAll(HANDLE pipe)
 ProgramRun runProgram(const std::filesystem::path& program, const std::wstring& argument,
                       std::chrono::seconds limit)
 {
-    Pipe pipe = createPipe();
-    const Handle process = start(program, argument, pipe.writing.get());
-    pipe.writing.reset(); // so that the output ends with the program
-    auto output = std::async(std::launch::async, &readAll, pipe.reading.get());
+    const Handle output = createOutputFile();
+    Handle job = createJob();
+    const Handle process = start(program, argument, job.get(), output.get());
     const auto milliseconds = std::chrono::milliseconds(limit).count();
     const bool isInTime =
         WaitForSingleObject(process.get(), static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
-    if (!isInTime) {
-        TerminateProcess(process.get(), WAIT_TIMEOUT);
-        WaitForSingleObject(process.get(), INFINITE);
+    DWORD exitCode = WAIT_TIMEOUT;
+    if (isInTime) {
+        GetExitCodeProcess(process.get(), &exitCode);
     }
-    DWORD exitCode = 0;
-    GetExitCodeProcess(process.get(), &exitCode);
-    return {exitCode,
-            output.get() + (isInTime ? "" : "\nended after " + std::to_string(limit.count()) + " s\n")};
+    job.reset();
+    WaitForSingleObject(process.get(), INFINITE);
+    return {exitCode, readFromBegin(output.get()) +
+                          (isInTime ? "" : "\nended after " + std::to_string(limit.count()) + " s\n")};
 }
