@@ -53,7 +53,8 @@ vantry_install_notices(COMPONENTS ${package_components})
 
 set(self_check_options COMPONENT self-check EXCLUDE_FROM_ALL)
 if(TARGET vantry-self-check AND TARGET vantry-tests AND TARGET vantry-sandbox)
-  set(self_check_programs vantry-self-check vantry-tests vantry-whitebox-tests vantry-unload-tests vantry-sandbox)
+  set(self_check_programs vantry-self-check vantry-tests vantry-whitebox-tests vantry-fault-tests
+                          vantry-unload-tests vantry-sandbox)
   install(TARGETS TAVIKVANTRYAPI ${self_check_programs} RUNTIME ${self_check_options})
   install(PROGRAMS ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} ${self_check_options})
   install(FILES self-check/self-check.cmd self-check/README.md DESTINATION . ${self_check_options})
