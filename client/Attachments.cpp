@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "Dispatch.h"
 #include "GuardedCall.h"
 #include "RestText.h"
 #include "Utils.h"
@@ -33,6 +34,12 @@ std::string multipartBody(const std::wstring& boundary, const Attachment& attach
 
 namespace VantryIntegrationApi
 {
+void CVantryApi::wrpSaveAttachment(const Attachment& attachment)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpSaveAttachment");
+    dispatch("SaveAttachment", &CVantryApi::saveAttachment, attachment);
+}
+
 void CVantryApi::saveAttachment(const Attachment& attachment)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);

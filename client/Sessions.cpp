@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "Dispatch.h"
 #include "GuardedCall.h"
 #include "RestText.h"
 #include "Utils.h"
@@ -42,6 +43,12 @@ std::wstring setCookie(const http_response& response)
 
 namespace VantryIntegrationApi
 {
+void CVantryApi::wrpCreateSession()
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpCreateSession");
+    dispatch("CreateSession", &CVantryApi::createSession);
+}
+
 void CVantryApi::createSession()
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
@@ -66,6 +73,12 @@ void CVantryApi::createSession()
     LUMO_LINE(m_logger, Info,
               L"Session id is: " << m_session.m_sessionKey << L" Cookie id is: "
                                  << m_session.m_sessionCookie);
+}
+
+void CVantryApi::wrpCloseSession()
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpCloseSession");
+    dispatch("CloseSession", &CVantryApi::closeSession);
 }
 
 void CVantryApi::closeSession()

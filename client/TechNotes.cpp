@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "Dispatch.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
@@ -31,6 +32,12 @@ json::value noteBody(const TechNote& techNote)
 
 namespace VantryIntegrationApi
 {
+void CVantryApi::wrpSaveTechNote(const TechNote& techNote)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpSaveTechNote");
+    dispatch("SaveTechNote", &CVantryApi::saveTechNote, techNote);
+}
+
 void CVantryApi::saveTechNote(const TechNote& techNote)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);

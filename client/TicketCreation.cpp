@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "Dispatch.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
@@ -36,6 +37,14 @@ json::value ticketBody(const TicketCreationInformation& ticket)
 
 namespace VantryIntegrationApi
 {
+void CVantryApi::wrpCreateTicket(const TicketCreationInformation& ticket)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpCreateTicket");
+    m_lastResponse = ResponseStatus();
+    m_createdTicketId.clear();
+    dispatch("CreateTicket", &CVantryApi::createTicket, ticket);
+}
+
 void CVantryApi::createTicket(const TicketCreationInformation& ticket)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);

@@ -1,4 +1,5 @@
 #include "CompletionSignal.h"
+#include "Dispatch.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
@@ -25,6 +26,12 @@ std::wstring qualifier(const std::wstring& entityId, VantryType type)
 
 namespace VantryIntegrationApi
 {
+void CVantryApi::wrpRequestTicketList(const std::wstring& entityId, VantryType type)
+{
+    const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::wrpRequestTicketList");
+    dispatch("RequestTicketList", &CVantryApi::requestTicketList, entityId, type);
+}
+
 void CVantryApi::requestTicketList(const std::wstring& entityId, VantryType type)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);

@@ -64,7 +64,8 @@ public:
         return m_ticketList;
     }
 
-    // Each runs its operation here if no window is set, else on a thread of its own.
+    /// Each runs its operation here if no window is set, else on a thread of its own.
+    /// @throws std::system_error if there is no thread to be had
     void wrpSaveTechNote(const TechNote& techNote);
     void wrpSaveAttachment(const Attachment& attachment);
     void wrpCreateSession();
@@ -83,14 +84,15 @@ public:
 private:
     using ResponseReader = std::function<pplx::task<Utils::JsonAnswer>(web::http::http_response&)>;
 
-    /// Both texts come from the server together and are sent back together; they are named as members of the
-    /// client, which they are.
+    /// Both texts come from the server together and go back together. Named like the client's other members.
     struct SessionData
     {
         std::wstring m_sessionKey;
         std::wstring m_sessionCookie;
     };
 
+    /// Runs `operation` as its export's documentation says; `name` is the export's, for the log. Defined in
+    /// Dispatch.h.
     template <typename... Parameters>
     void dispatch(const char* name, void (CVantryApi::*operation)(Parameters...),
                   const std::decay_t<Parameters>&... arguments);
