@@ -43,16 +43,15 @@ std::wstring baseAddress(const uri& url)
 
 bool isSecureScheme(const std::wstring& url)
 {
-    // The REST SDK's URI lowers the letters of its scheme. Whether the host wrote capitals only its own text
-    // tells.
+    // The REST SDK's URI has its scheme in small letters, however the host wrote it. What counts is how.
     return uri(toRestText(url)).scheme() == U("https") && boost::starts_with(url, L"https");
 }
 
 utility::string_t minimallyEncoded(const std::wstring& text)
 {
     auto encoded = uri::encode_uri(toRestText(text), uri::components::query);
-    // The library also encodes "+" and "%", which have a raw form. "%" comes last: an encoded one may stand
-    // before a "2B" that is the text's own.
+    // The REST SDK also encodes "+" and "%", which may stand raw. "%" comes last: else a text that holds
+    // "%2B" would become one with "+".
     boost::replace_all(encoded, U("%2B"), U("+"));
     boost::replace_all(encoded, U("%25"), U("%"));
     return encoded;

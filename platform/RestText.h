@@ -15,7 +15,7 @@ utility::string_t toRestText(const std::wstring& text);
 /// Wide text of what a server sent: whatever in it is no well-formed text becomes U+FFFD.
 std::wstring fromRestText(const utility::string_t& text);
 
-/// A server's UTF-8 as text of the REST SDK: whatever in it is no well-formed text is, or in `fromRestText`
-/// becomes, U+FFFD.
+/// A server's UTF-8 as text of the REST SDK. Whatever in it is no well-formed text becomes U+FFFD: here on
+/// Windows, in `fromRestText` on Linux.
 utility::string_t restTextOfUtf8(std::string utf8);
 } // namespace Platform

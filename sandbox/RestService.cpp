@@ -268,7 +268,7 @@ Answer RestService::uploadAttachment(const Request& request)
     require(session != sessions.end() && sendsCookieOf(*session, request) &&
                 (*session)["user"] == cookie(request, "vantryuser_helpdesk"),
             401, "the cookies name no open session");
-    require(parameter(request, "type") == "TechNote", 400, "attachments can be fixed to TechNote alone");
+    require(parameter(request, "type") == "TechNote", 400, "only a TechNote takes attachments");
     const Json& note =
         recordNamed(m_state.helpDesk["techNotes"], firstTechNoteId, parameter(request, "entityId"));
     const UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());

@@ -5,8 +5,8 @@
 
 namespace
 {
-/// WinHTTP may give a handle's value to a new request before it has told that the old one is closed. So an
-/// entry lasts until its value is used again, and nothing else hangs on it.
+/// WinHTTP may give a handle's value to a new request before it reports that the old one is closed. So an
+/// entry is not removed when its request closes: it stays until the value is used again.
 std::mutex hooksMutex;
 std::map<HINTERNET, Platform::SharedHook> hooks;
 
