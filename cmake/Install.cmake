@@ -1,4 +1,5 @@
-# What `cmake --install` and the package lay out: the library for a host developer.
+# What `cmake --install` and the package lay out: the library for a host developer, in the components `runtime` and
+# `development`.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -6,20 +7,26 @@ set(package_config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TAVIKVANTRYAPI)
 install(
   TARGETS TAVIKVANTRYAPI
   EXPORT TAVIKVANTRYAPITargets
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime
+  ARCHIVE COMPONENT development
   INCLUDES
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(
   EXPORT TAVIKVANTRYAPITargets
   NAMESPACE TAVIKVANTRYAPI::
-  DESTINATION ${package_config_dir})
+  DESTINATION ${package_config_dir}
+  COMPONENT development)
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/TAVIKVANTRYAPIConfig.cmake.in TAVIKVANTRYAPIConfig.cmake
                               INSTALL_DESTINATION ${package_config_dir})
 write_basic_package_version_file(TAVIKVANTRYAPIConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfig.cmake
-              ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake DESTINATION ${package_config_dir})
+              ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake
+        DESTINATION ${package_config_dir} COMPONENT development)
 get_target_property(host_types_dir TAVIKVANTRYAPI VANTRY_HOST_TYPES_DIR)
-install(FILES api/TAVIKVANTRYAPI.h ${host_types_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES api/TAVIKVANTRYAPI.h ${host_types_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        COMPONENT development)
 
-if(MINGW AND TARGET vantry-console-host)
+if(PROJECT_IS_TOP_LEVEL AND MINGW AND TARGET vantry-console-host)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)
 endif()
