@@ -1,9 +1,8 @@
 # Compares the exported names of LIBRARY with the header's. Variables: LIBRARY, EXPECTED, WINDOWS, NM or OBJDUMP.
 cmake_minimum_required(VERSION 3.25)
 
-list(LENGTH EXPECTED count)
-if(NOT count EQUAL 13)
-  message(FATAL_ERROR "the header declares ${count} functions, not thirteen: ${EXPECTED}")
+if(EXPECTED STREQUAL "")
+  message(FATAL_ERROR "no functions were read from the header")
 endif()
 list(SORT EXPECTED)
 
