@@ -318,7 +318,7 @@ private:
                 << narrow(line).substr(0, 1000);
         }
         if (m_traced && statusOf(cell) == 600) {
-            EXPECT_FALSE(log.with(L"FATAL ").empty());
+            EXPECT_FALSE(log.containing(L"FATAL ").empty());
         }
         EXPECT_TRUE(m_traced || log.lines().empty());
     }

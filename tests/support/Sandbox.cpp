@@ -121,7 +121,7 @@ Sandbox::Sandbox()
       password(wide(environment("PASSWORD"))), authorityFile(environment("CA_FILE")),
       m_control(to_string_t(environment("CONTROL")))
 {
-    control(web::http::methods::POST, "/reset"); // it may have served another test before
+    reset(); // it may have served another test before
 }
 
 std::vector<Request> Sandbox::allRequests() const
@@ -173,6 +173,11 @@ void Sandbox::forgetPlans() const
 {
     control(web::http::methods::DEL, "/answers");
     control(web::http::methods::DEL, "/connections");
+}
+
+void Sandbox::reset() const
+{
+    control(web::http::methods::POST, "/reset");
 }
 
 json::value Sandbox::state() const

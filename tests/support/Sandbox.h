@@ -73,6 +73,9 @@ public:
     /// Forgets what was planned and has not come.
     void forgetPlans() const;
 
+    /// Has it forget everything that it holds, recorded and was told.
+    void reset() const;
+
     web::json::value state() const;
     /// The body of GET `path` on the control interface.
     std::string get(const std::string& path) const;
