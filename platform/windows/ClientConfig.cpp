@@ -16,15 +16,27 @@ using Platform::SharedHook;
 /// The REST SDK's own callback, the same for all of its requests.
 std::atomic<WINHTTP_STATUS_CALLBACK> sdkCallback = nullptr;
 
-/// Stands before the REST SDK's own callback on each request handle. noexcept: no exception may pass through
-/// WinHTTP, and a certificate that could not be kept must not go on as one that was.
+/// Has the REST SDK end a request as if WinHTTP had told it that the answer is none.
+void failRequest(HINTERNET request, DWORD_PTR context)
+{
+    WINHTTP_ASYNC_RESULT failure{API_RECEIVE_RESPONSE, ERROR_WINHTTP_INVALID_SERVER_RESPONSE};
+    sdkCallback.load()(request, context, WINHTTP_CALLBACK_STATUS_REQUEST_ERROR, &failure, sizeof(failure));
+}
+
+/// Stands before the REST SDK's own callback on each request handle. No exception may pass through WinHTTP:
+/// one of the hook (the certificate could not be kept) or of the REST SDK (a status code that is no number)
+/// fails the request instead of the process.
 void CALLBACK requestStatus(HINTERNET request, DWORD_PTR context, DWORD status, LPVOID information,
                             DWORD length) noexcept
 {
-    if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST) {
-        Platform::showCertificate(request);
+    try {
+        if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST) {
+            Platform::showCertificate(request);
+        }
+        sdkCallback.load()(request, context, status, information, length);
+    } catch (...) {
+        failRequest(request, context);
     }
-    sdkCallback.load()(request, context, status, information, length);
     if (status == WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING) {
         Platform::releaseModuleSoon(); // the last callback of this request
     }
