@@ -48,7 +48,10 @@ public:
     std::uint64_t number(const char* name, std::uint64_t least, std::uint64_t most,
                          std::uint64_t absent) const
     {
-        const Json value = m_order.value(name, Json(absent));
+        if (!has(name)) {
+            return absent;
+        }
+        const Json& value = m_order[name];
         if (!value.is_number_unsigned() || value < least || value > most) {
             refuse('"' + std::string(name) + "\" must be a whole number from " + std::to_string(least) +
                    " to " + std::to_string(most));
