@@ -48,7 +48,7 @@ void CVantryApi::saveAttachment(const Attachment& attachment)
         Utils::requireOneLine(attachment.fileName, "file name");
         Utils::requireOneLine(m_userName, "user name");
         Utils::requireOneLine(m_session.m_sessionKey, "session key");
-        const auto requestUri =
+        auto requestUri =
             web::uri_builder()
                 .set_path(U("/attachment/upload"))
                 .append_query(U("type=TechNote"), false)

@@ -17,8 +17,6 @@ using web::http::http_response;
 using web::http::methods;
 using web::http::status_codes;
 
-namespace json = web::json;
-
 namespace
 {
 /// Name and value of the cookie that the server set; empty where it set none.
@@ -54,10 +52,10 @@ void CVantryApi::createSession()
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createSession");
     const auto prepareRequest = [&] {
-        const auto requestUri = web::uri_builder()
-                                    .set_path(U("/Session"))
-                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                                    .to_uri();
+        auto requestUri = web::uri_builder()
+                              .set_path(U("/Session"))
+                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                              .to_uri();
         logUsedUrl(requestUri, lumoName);
         return requestUri;
     };
@@ -86,7 +84,7 @@ void CVantryApi::closeSession()
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::closeSession");
     const auto prepareRequest = [&] {
-        const auto requestUri =
+        auto requestUri =
             web::uri_builder()
                 .set_path(U("/Session"))
                 .append_query(U("sessionKey=") + Utils::minimallyEncoded(m_session.m_sessionKey), false)

@@ -44,10 +44,10 @@ void CVantryApi::saveTechNote(const TechNote& techNote)
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
     json::value body;
     const auto prepareRequest = [&] {
-        const auto requestUri = web::uri_builder()
-                                    .set_path(U("/TechNotes"))
-                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                                    .to_uri();
+        auto requestUri = web::uri_builder()
+                              .set_path(U("/TechNotes"))
+                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                              .to_uri();
         LUMO_DEBUG(L"Going to prepare json object from input data.");
         body = noteBody(techNote);
         logUsedUrl(requestUri, lumoName);

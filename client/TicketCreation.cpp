@@ -51,10 +51,10 @@ void CVantryApi::createTicket(const TicketCreationInformation& ticket)
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
     json::value body;
     const auto prepareRequest = [&] {
-        const auto requestUri = web::uri_builder()
-                                    .set_path(U("/Tickets"))
-                                    .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                                    .to_uri();
+        auto requestUri = web::uri_builder()
+                              .set_path(U("/Tickets"))
+                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
+                              .to_uri();
         logUsedUrl(requestUri, lumoName);
         LUMO_INFO(L"Preparing json based on input information");
         body = ticketBody(ticket);

@@ -46,7 +46,7 @@ void CVantryApi::requestTicketList(const std::wstring& entityId, VantryType type
     address.to_uri();
     const auto prepareRequest = [&] {
         address.append_query(Utils::credentialQuery(m_userName, m_password), false);
-        const auto requestUri = address.to_uri();
+        auto requestUri = address.to_uri();
         logUsedUrl(requestUri, lumoName);
         return requestUri;
     };

@@ -22,7 +22,8 @@ std::optional<std::string> fromBase64(std::string_view text)
     const int length =
         EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
                         reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    const auto padding = std::count(text.end() - std::min<std::ptrdiff_t>(2, text.size()), text.end(), '=');
+    const auto padding = std::count(
+        text.end() - std::min<std::ptrdiff_t>(2, static_cast<std::ptrdiff_t>(text.size())), text.end(), '=');
     if (text.size() % 4 != 0 || length != static_cast<int>(bytes.size())) {
         return std::nullopt;
     }

@@ -33,12 +33,12 @@ std::string text(const Json& object, const char* member)
 Json readTicket(const Json& body)
 {
     const Json& entity = body.contains("assets") ? body["assets"].at(0) : body.at("clientReporter");
-    const Json ticket = {{"entityType", text(entity, "type")},
-                         {"entityId", text(entity, "id")},
-                         {"subject", text(body, "subject")},
-                         {"detail", text(body, "detail")}};
+    Json ticket = {{"entityType", text(entity, "type")},
+                   {"entityId", text(entity, "id")},
+                   {"subject", text(body, "subject")},
+                   {"detail", text(body, "detail")}};
     require(ticket["entityType"] == (body.contains("assets") ? "Asset" : "Client"), 400, "a wrong type");
-    require(ticket["subject"] != "", 400, "the subject is empty");
+    require(!text(body, "subject").empty(), 400, "the subject is empty");
     return ticket;
 }
 

@@ -17,6 +17,6 @@ std::wstring fromRestText(const utility::string_t& text)
 utility::string_t restTextOfUtf8(std::string utf8)
 {
     // The REST SDK takes the byte 0xFF for the end of the text.
-    return isUtf8(utf8) ? utf8 : toUtf8(fromUtf8(utf8));
+    return isUtf8(utf8) ? std::move(utf8) : toUtf8(fromUtf8(utf8));
 }
 } // namespace Platform
