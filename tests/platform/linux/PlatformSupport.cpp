@@ -35,7 +35,7 @@ bool isWindows()
 
 bool isSanitized()
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef VANTRY_SANITIZED
     return true;
 #else
     return false;
