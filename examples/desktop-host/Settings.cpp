@@ -1,0 +1,72 @@
+#include "Settings.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace
+{
+constexpr const wchar_t* usage =
+    L"vantry-desktop-host [--endpoint URL] [--user NAME] [--password PASSWORD]\n"
+    L"    [--client ID | --asset ID]\n\n"
+    L"vantry-sandbox -- vantry-desktop-host --try\n\n"
+    L"Others can see a password on the command line: rather set VANTRY_PASSWORD, or type "
+    L"it into the window.";
+
+std::vector<std::wstring> arguments()
+{
+    int count = 0;
+    const std::unique_ptr<wchar_t*, decltype(&LocalFree)> words(CommandLineToArgvW(GetCommandLineW(), &count),
+                                                                &LocalFree);
+    return words ? std::vector<std::wstring>(words.get() + 1, words.get() + count)
+                 : std::vector<std::wstring>();
+}
+
+std::wstring environment(const wchar_t* name)
+{
+    const wchar_t* const value = _wgetenv(name);
+    return value != nullptr ? value : L"";
+}
+
+/// The sandbox tells the program that it starts where it is.
+Settings sandboxSettings()
+{
+    Settings settings{environment(L"VANTRY_SANDBOX_HTTP"), environment(L"VANTRY_SANDBOX_USER"),
+                      environment(L"VANTRY_SANDBOX_PASSWORD"), L"42"};
+    if (settings.endPoint.empty()) {
+        throw WrongArguments(std::wstring(L"--try is for a program that vantry-sandbox has started:\n\n") +
+                             usage);
+    }
+    return settings;
+}
+} // namespace
+
+Settings readSettings()
+{
+    Settings settings;
+    settings.password = environment(L"VANTRY_PASSWORD");
+    const std::map<std::wstring, std::wstring*> values{{L"--endpoint", &settings.endPoint},
+                                                       {L"--user", &settings.userName},
+                                                       {L"--password", &settings.password},
+                                                       {L"--client", &settings.entityId},
+                                                       {L"--asset", &settings.entityId}};
+    const auto words = arguments();
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (*word == L"--try") {
+            settings = sandboxSettings();
+            continue;
+        }
+        const auto value = values.find(*word);
+        if (value == values.end() || std::next(word) == words.end()) {
+            throw WrongArguments(usage);
+        }
+        settings.isAsset = *word == L"--asset" || (settings.isAsset && *word != L"--client");
+        *value->second = *++word;
+    }
+    return settings;
+}

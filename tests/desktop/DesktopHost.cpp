@@ -1,0 +1,235 @@
+#include "desktop/DesktopHost.h"
+
+#include "resource.h"
+
+#include <commctrl.h>
+#include <shlobj.h>
+
+#include <array>
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+
+namespace
+{
+constexpr auto pause = std::chrono::milliseconds(20);
+
+std::filesystem::path program()
+{
+    std::array<wchar_t, 32768> path{};
+    GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    return std::filesystem::path(path.data()).replace_filename(L"vantry-desktop-host.exe");
+}
+
+std::wstring windowText(HWND window)
+{
+    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+} // namespace
+
+void waitUntil(const std::string& what, const std::function<bool()>& isTrue)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!isTrue()) {
+        if (std::chrono::steady_clock::now() > end) {
+            throw std::runtime_error("waited in vain for " + what);
+        }
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+HWND HostWindow::control(int id) const
+{
+    HWND const found = GetDlgItem(m_window, id);
+    if (found == nullptr) {
+        throw std::runtime_error("there is no control " + std::to_string(id));
+    }
+    return found;
+}
+
+std::wstring HostWindow::text(int id) const
+{
+    return windowText(control(id));
+}
+
+bool HostWindow::isEnabled(int id) const
+{
+    return IsWindowEnabled(control(id)) != FALSE;
+}
+
+HWND HostWindow::usableControl(int id) const
+{
+    waitUntil("control " + std::to_string(id) + " to be enabled",
+              [&] { return IsWindowEnabled(m_window) != FALSE && isEnabled(id); });
+    return control(id);
+}
+
+/// As typing does: the window is told of the change.
+void HostWindow::enter(int id, const std::wstring& text) const
+{
+    HWND const field = usableControl(id);
+    SendMessageW(field, EM_SETSEL, 0, -1);
+    SendMessageW(field, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+/// Posted, since what follows on it may be a dialog.
+void HostWindow::click(int id) const
+{
+    PostMessageW(usableControl(id), BM_CLICK, 0, 0);
+}
+
+/// Memory of the host's process, which messages about its lists have to point to.
+struct DesktopHost::RemoteMemory
+{
+    RemoteMemory(HANDLE owner, std::size_t size)
+        : process(owner), address(VirtualAllocEx(owner, nullptr, size, MEM_COMMIT, PAGE_READWRITE))
+    {
+        if (address == nullptr) {
+            throw std::runtime_error("VirtualAllocEx failed");
+        }
+    }
+    ~RemoteMemory() { VirtualFreeEx(process, address, 0, MEM_RELEASE); }
+    RemoteMemory(const RemoteMemory&) = delete;
+    RemoteMemory(RemoteMemory&&) = delete;
+    RemoteMemory& operator=(const RemoteMemory&) = delete;
+    RemoteMemory& operator=(RemoteMemory&&) = delete;
+
+    void write(const void* data, std::size_t size) const
+    {
+        WriteProcessMemory(process, address, data, size, nullptr);
+    }
+    void read(void* data, std::size_t size) const
+    {
+        ReadProcessMemory(process, address, data, size, nullptr);
+    }
+
+    HANDLE process;
+    void* address;
+};
+
+DesktopHost::DesktopHost(const std::wstring& arguments)
+{
+    std::wstring commandLine = L"\"" + program().native() + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process{};
+    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                       &process) == FALSE) {
+        throw std::runtime_error("cannot start the desktop host: error " + std::to_string(GetLastError()));
+    }
+    CloseHandle(process.hThread);
+    m_process.reset(process.hProcess);
+    m_processId = process.dwProcessId;
+    waitUntil("the main window", [this] {
+        m_window = HostWindow(findWindow(L"VantryDesktopHost"));
+        return m_window.exists();
+    });
+}
+
+DesktopHost::~DesktopHost()
+{
+    TerminateProcess(m_process.get(), 99);
+}
+
+/// The visible top-level window of that class in the host's process.
+HWND DesktopHost::findWindow(const wchar_t* className) const
+{
+    HWND window = nullptr;
+    while ((window = FindWindowExW(nullptr, window, className, nullptr)) != nullptr) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(window, &owner);
+        if (owner == m_processId && IsWindowVisible(window) != FALSE) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+HostWindow DesktopHost::dialog() const
+{
+    waitUntil("a dialog", [this] { return hasDialog(); });
+    return HostWindow(findWindow(L"#32770"));
+}
+
+bool DesktopHost::isBusy() const
+{
+    return IsWindowVisible(GetDlgItem(m_window.control(IDC_STATUS_BAR), IDC_PROGRESS)) != FALSE;
+}
+
+void DesktopHost::waitForStatus(const std::wstring& status) const
+{
+    waitUntil("the status \"" + std::filesystem::path(status).u8string() + "\"",
+              [&] { return !isBusy() && m_window.text(IDC_STATUS_BAR) == status; });
+}
+
+std::vector<std::vector<std::wstring>> DesktopHost::tickets() const
+{
+    HWND const list = m_window.control(IDC_TICKETS);
+    struct
+    {
+        LVITEMW item;
+        std::array<wchar_t, 300> text;
+    } query{};
+    const RemoteMemory memory(m_process.get(), sizeof query);
+    std::vector<std::vector<std::wstring>> rows(
+        static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (int column = 0; column < 4; ++column) {
+            query.item.iSubItem = column;
+            query.item.cchTextMax = static_cast<int>(query.text.size());
+            query.item.pszText = reinterpret_cast<wchar_t*>(static_cast<char*>(memory.address) +
+                                                            offsetof(decltype(query), text));
+            memory.write(&query, sizeof query);
+            SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(memory.address));
+            memory.read(&query, sizeof query);
+            rows[row].emplace_back(query.text.data());
+        }
+    }
+    return rows;
+}
+
+void DesktopHost::pressKey(WPARAM key) const
+{
+    const int target = focus();
+    PostMessageW(m_window.control(target), WM_KEYDOWN, key, 1);
+    PostMessageW(m_window.control(target), WM_KEYUP, key, 0xC0000001);
+}
+
+int DesktopHost::focus() const
+{
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(m_window.handle(), nullptr), &info);
+    return GetDlgCtrlID(info.hwndFocus);
+}
+
+/// What the system's shell posts when files are dropped. The host frees it.
+void DesktopHost::drop(const std::vector<std::filesystem::path>& files) const
+{
+    std::wstring names;
+    for (const auto& file : files) {
+        names += file.native() + L'\0';
+    }
+    std::vector<char> data(sizeof(DROPFILES) + (names.size() + 1) * sizeof(wchar_t), '\0');
+    DROPFILES header{};
+    header.pFiles = sizeof header;
+    header.fWide = TRUE;
+    std::memcpy(data.data(), &header, sizeof header);
+    std::memcpy(data.data() + sizeof header, names.data(), names.size() * sizeof(wchar_t));
+    void* const memory = VirtualAllocEx(m_process.get(), nullptr, data.size(), MEM_COMMIT, PAGE_READWRITE);
+    WriteProcessMemory(m_process.get(), memory, data.data(), data.size(), nullptr);
+    PostMessageW(m_window.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+}
+
+DWORD DesktopHost::exitCode() const
+{
+    DWORD code = STILL_ACTIVE;
+    waitUntil("the end of the program", [&] {
+        GetExitCodeProcess(m_process.get(), &code);
+        return code != STILL_ACTIVE;
+    });
+    return code;
+}

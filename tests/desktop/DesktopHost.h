@@ -1,0 +1,85 @@
+/// @file
+/// The desktop host in a process of its own, seen and used through its windows as a person would.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// Waits until `isTrue`; throws with `what` when it takes too long.
+void waitUntil(const std::string& what, const std::function<bool()>& isTrue);
+
+/// A window of the host and its controls. A control is used only if a person could: not while it is disabled.
+class HostWindow
+{
+public:
+    explicit HostWindow(HWND window = nullptr) : m_window(window) {}
+
+    HWND handle() const { return m_window; }
+    HWND control(int id) const;
+    std::wstring text(int id) const;
+    bool isEnabled(int id) const;
+    bool exists() const { return IsWindow(m_window) != FALSE; }
+
+    void enter(int id, const std::wstring& text) const;
+    void click(int id) const;
+    void close() const { PostMessageW(m_window, WM_CLOSE, 0, 0); }
+
+private:
+    HWND usableControl(int id) const;
+
+    HWND m_window;
+};
+
+class DesktopHost
+{
+public:
+    /// Starts the program that lies beside this one and waits for its window.
+    explicit DesktopHost(const std::wstring& arguments);
+    /// Ends the process if it is still there.
+    ~DesktopHost();
+    DesktopHost(const DesktopHost&) = delete;
+    DesktopHost(DesktopHost&&) = delete;
+    DesktopHost& operator=(const DesktopHost&) = delete;
+    DesktopHost& operator=(DesktopHost&&) = delete;
+
+    const HostWindow& window() const { return m_window; }
+
+    /// The next dialog that the program shows.
+    HostWindow dialog() const;
+    bool hasDialog() const { return findWindow(L"#32770") != nullptr; }
+
+    /// Waits until the program has shown this in its status bar and is ready for the next command.
+    void waitForStatus(const std::wstring& status) const;
+    bool isBusy() const;
+
+    /// The cells of the tickets' list, row by row.
+    std::vector<std::vector<std::wstring>> tickets() const;
+
+    void pressKey(WPARAM key) const;
+    /// Number of the control that has the focus.
+    int focus() const;
+    void drop(const std::vector<std::filesystem::path>& files) const;
+
+    /// Waits for the end of the process.
+    DWORD exitCode() const;
+
+private:
+    struct CloseHandleOf
+    {
+        void operator()(void* handle) const { CloseHandle(handle); }
+    };
+    struct RemoteMemory;
+
+    HWND findWindow(const wchar_t* className) const;
+
+    std::unique_ptr<void, CloseHandleOf> m_process;
+    DWORD m_processId = 0;
+    HostWindow m_window;
+};
