@@ -123,9 +123,7 @@ void MainWindow::createControls(const Settings& settings)
     label(L"Lo&g:", IDC_LOG_LABEL);
     LogPane::create(m_window, IDC_LOG);
     HWND const bar = createControl(m_window, STATUSCLASSNAMEW, L"", IDC_STATUS_BAR, SBARS_SIZEGRIP);
-    HWND const progress = createControl(bar, PROGRESS_CLASSW, L"", IDC_PROGRESS, PBS_MARQUEE);
-    ShowWindow(progress, SW_HIDE);
-    SendMessageW(progress, PBM_SETMARQUEE, TRUE, 0);
+    createControl(bar, PROGRESS_CLASSW, L"", IDC_PROGRESS, PBS_MARQUEE);
 }
 
 /// No exception may pass through Windows' own functions.
@@ -240,7 +238,7 @@ void MainWindow::command(int id)
 void MainWindow::notify(const NMHDR& header)
 {
     if (header.idFrom == IDC_TICKETS && header.code == LVN_ITEMCHANGED) {
-        updateControls();
+        enableCommands();
     } else if (header.idFrom == IDC_TICKETS && header.code == NM_DBLCLK) {
         command(IDC_ADD_NOTE);
     }
@@ -265,11 +263,7 @@ void MainWindow::arrange()
 /// The list and the log can be read at any time; the rest is open to the person when it can do something.
 void MainWindow::updateControls()
 {
-    for (const int id : commandButtons) {
-        enableControl(m_window, id, m_commands->isAllowed(id));
-        const auto style = id == defaultCommand() ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
-        SendDlgItemMessageW(m_window, id, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
-    }
+    enableCommands();
     for (const int id : {IDC_ENDPOINT, IDC_USER, IDC_PASSWORD}) {
         enableControl(m_window, id, m_commands->isAllowed(IDC_OPEN_SESSION));
     }
@@ -279,6 +273,20 @@ void MainWindow::updateControls()
     const bool canAttach = m_commands->isAllowed(IDC_ATTACH_FILE);
     DragAcceptFiles(m_window, canAttach ? TRUE : FALSE);
     SetDlgItemTextW(m_window, IDC_DROP_HINT, canAttach ? L"Files can also be dropped on this window." : L"");
+}
+
+void MainWindow::enableCommands()
+{
+    for (const int id : commandButtons) {
+        enableControl(m_window, id, m_commands->isAllowed(id));
+    }
+}
+
+void MainWindow::showProgress(bool isShown)
+{
+    HWND const progress = GetDlgItem(GetDlgItem(m_window, IDC_STATUS_BAR), IDC_PROGRESS);
+    ShowWindow(progress, isShown ? SW_SHOW : SW_HIDE);
+    SendMessageW(progress, PBM_SETMARQUEE, isShown ? TRUE : FALSE, 0);
 }
 
 /// The library still needs the window while an operation runs. Then the session is closed, too.
@@ -341,7 +349,7 @@ void MainWindow::showBusy(const std::wstring& progress)
 {
     HWND const focus = GetFocus();
     showStatus(progress);
-    ShowWindow(GetDlgItem(GetDlgItem(m_window, IDC_STATUS_BAR), IDC_PROGRESS), SW_SHOW);
+    showProgress(true);
     updateControls();
     if (focus != nullptr && IsWindowEnabled(focus) == FALSE) {
         m_busyFocus = focus;
@@ -355,8 +363,12 @@ void MainWindow::showIdle()
         close();
         return;
     }
-    ShowWindow(GetDlgItem(GetDlgItem(m_window, IDC_STATUS_BAR), IDC_PROGRESS), SW_HIDE);
+    showProgress(false);
     updateControls();
+    for (const int id : {IDC_OPEN_SESSION, IDC_SHOW_TICKETS}) {
+        const auto style = id == defaultCommand() ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
+        SendDlgItemMessageW(m_window, id, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
+    }
     HWND const focus = std::exchange(m_busyFocus, nullptr);
     if (IsWindowEnabled(focus) != FALSE && GetFocus() == GetDlgItem(m_window, IDC_TICKETS)) {
         SetFocus(focus);

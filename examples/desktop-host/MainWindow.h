@@ -35,6 +35,8 @@ private:
     void changeDpi(UINT dpi, const RECT& place);
     void arrange();
     void updateControls();
+    void enableCommands();
+    void showProgress(bool isShown);
     void close();
     int defaultCommand() const;
 
