@@ -20,9 +20,15 @@ using utility::conversions::to_string_t;
 
 namespace
 {
+/// Whether its cells do little but wait: they are run all at once.
+bool waits(const Fault& fault)
+{
+    return fault.is("silent") || fault.is("waits");
+}
+
 std::chrono::seconds limitOf(const Fault& fault)
 {
-    return fault.is("costly") ? 60s : fault.is("silent") ? 45s : 15s;
+    return fault.is("costly") ? 60s : waits(fault) ? 45s : 15s;
 }
 
 /// One fault, met by one operation in one way.
@@ -362,31 +368,30 @@ private:
 class EveryFault : public FaultTest, public testing::WithParamInterface<const Fault*>
 {};
 
-/// Each cell waits as long as the REST SDK does: they are run all at once.
-class EverySilence : public FaultTest, public testing::WithParamInterface<Cell>
+class EveryWaiting : public FaultTest, public testing::WithParamInterface<Cell>
 {};
 
 std::vector<const Fault*> quickFaults()
 {
     std::vector<const Fault*> quick;
     for (const auto& fault : catalogue()) {
-        if (!fault.is("silent")) {
+        if (!waits(fault)) {
             quick.push_back(&fault);
         }
     }
     return quick;
 }
 
-std::vector<Cell> silentCells()
+std::vector<Cell> waitingCells()
 {
-    std::vector<Cell> silent;
+    std::vector<Cell> waiting;
     for (const auto& fault : catalogue()) {
-        if (fault.is("silent")) {
+        if (waits(fault)) {
             const auto cells = cellsOf(fault);
-            silent.insert(silent.end(), cells.begin(), cells.end());
+            waiting.insert(waiting.end(), cells.begin(), cells.end());
         }
     }
-    return silent;
+    return waiting;
 }
 } // namespace
 
@@ -414,13 +419,13 @@ TEST_P(EveryFault, EndsAsTheCatalogueSays)
 INSTANTIATE_TEST_SUITE_P(Fault, EveryFault, testing::ValuesIn(quickFaults()),
                          [](const auto& info) { return info.param->name; });
 
-TEST_P(EverySilence, EndsAsTheCatalogueSays)
+TEST_P(EveryWaiting, EndsAsTheCatalogueSays)
 {
     run(GetParam());
     expectNoMoreMessages();
 }
 
-INSTANTIATE_TEST_SUITE_P(Silence, EverySilence, testing::ValuesIn(silentCells()), [](const auto& info) {
+INSTANTIATE_TEST_SUITE_P(Waiting, EveryWaiting, testing::ValuesIn(waitingCells()), [](const auto& info) {
     return info.param.fault->name + narrow(info.param.operation->exportName) +
            (info.param.withWindow ? "WithAWindow" : "");
 });
