@@ -28,7 +28,7 @@ bool waits(const Fault& fault)
 
 std::chrono::seconds limitOf(const Fault& fault)
 {
-    return fault.is("costly") ? 60s : waits(fault) ? 45s : 15s;
+    return fault.is("costly") ? 150s : waits(fault) ? 45s : 15s;
 }
 
 /// One fault, met by one operation in one way.
