@@ -307,7 +307,8 @@ TEST_F(Desktop, ClosingClosesTheSession)
 TEST_F(Desktop, TheKeyboardReachesEverything)
 {
     startOnHttp();
-    host->pressKey(VK_RETURN); // in the first field: the default button
+    waitUntil("the first field to have the focus", [&] { return host->focus() == IDC_ENDPOINT; });
+    host->pressKey(VK_RETURN); // there: the default button
     host->waitForStatus(sessionStatus);
     std::vector<int> order;
     do {
