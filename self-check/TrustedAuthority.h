@@ -19,6 +19,3 @@ public:
     TrustedAuthority& operator=(const TrustedAuthority&) = delete;
     TrustedAuthority& operator=(TrustedAuthority&&) = delete;
 };
-
-/// Removes the authorities of sandboxes from the user's store and tells how many are still there afterwards.
-int removeSandboxAuthorities();

@@ -4,6 +4,7 @@
 #include "ProgramRun.h"
 #include "SystemDescription.h"
 #include "TrustedAuthority.h"
+#include "UserRoots.h"
 
 #include <windows.h>
 

@@ -1,16 +1,11 @@
-// The scope log and the completion guard by themselves.
-#include "CompletionSignal.h"
+// The scope log by itself.
 #include "LumoLogging.h"
 
-#include "platform/TestWindow.h"
 #include "support/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 using log4cxx::Level;
-using VantryIntegrationApi::SignalAsyncRequestFinishedWrapper;
 using Texts = std::vector<std::wstring>;
 
 namespace
@@ -21,9 +16,6 @@ protected:
     CapturedLog log;
     const log4cxx::LoggerPtr logger = log4cxx::Logger::getLogger(L"CVantryApi");
 };
-
-const std::wstring guard =
-    L"CVantryApi VantryIntegrationApi::SignalAsyncRequestFinishedWrapper::~SignalAsyncRequestFinishedWrapper";
 } // namespace
 
 TEST_F(Logging, NestedScopesOfNarrowAndWideNamesLeaveInReverse)
@@ -57,41 +49,4 @@ TEST_F(Logging, AScopeTestsTheLevelAgainWhenItEnds)
         CapturedLog::setLevel(Level::getDebug());
     }
     EXPECT_EQ(log.texts(), (Texts{L"TRACE CVantryApi Early entering."}));
-}
-
-TEST_F(Logging, AScopeLeftByAnExceptionIsLogged)
-{
-    const auto fail = [this] {
-        const LumoLogBlock block(logger, "Failing");
-        throw std::runtime_error("x");
-    };
-    EXPECT_THROW(fail(), std::runtime_error);
-    EXPECT_EQ(log.texts().back(), L"TRACE CVantryApi Failing exiting.");
-}
-
-TEST_F(Logging, AGuardWithoutAWindowOnlyTraces)
-{
-    {
-        const SignalAsyncRequestFinishedWrapper signal(nullptr);
-        EXPECT_TRUE(log.texts().empty());
-    }
-    EXPECT_EQ(log.texts(), (Texts{L"TRACE " + guard + L" entering.", L"TRACE " + guard + L" exiting."}));
-}
-
-TEST_F(Logging, AGuardPostsOnceWhenItsScopeEndsByAnException)
-{
-    TestWindow window;
-    const auto fail = [&] {
-        const SignalAsyncRequestFinishedWrapper signal(window.handle());
-        EXPECT_FALSE(window.next(std::chrono::milliseconds(0)));
-        throw std::runtime_error("x");
-    };
-    EXPECT_THROW(fail(), std::runtime_error);
-    const auto message = window.next(std::chrono::seconds(5));
-    ASSERT_TRUE(message);
-    EXPECT_EQ(message->message, WM_ASYNC_REQUEST_FINISHED);
-    EXPECT_FALSE(window.next(std::chrono::milliseconds(50)));
-    EXPECT_EQ(log.texts(), (Texts{L"TRACE " + guard + L" entering.",
-                                  L"INFO " + guard + L"; Sending signal async request finished.",
-                                  L"TRACE " + guard + L" exiting."}));
 }

@@ -1,6 +1,6 @@
 // Puts the certificate of a CA into the list of those that the current user trusts: for a demonstration in a
 // Wine system of its own.
-#include "platform/PlatformSupport.h"
+#include "self-check/UserRoots.h"
 
 #include <exception>
 #include <fstream>
@@ -15,7 +15,7 @@ int main(int argc, char** argv)
         return 1;
     }
     try {
-        trustAuthority("", {std::istreambuf_iterator<char>(file), {}});
+        trustByUser({std::istreambuf_iterator<char>(file), {}});
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "vantry-trust-ca: " << error.what() << '\n';

@@ -1,54 +1,14 @@
 #include "PlatformSupport.h"
 
+#include "self-check/UserRoots.h"
+
 #include <windows.h>
 
 #include <psapi.h>
 #include <tlhelp32.h>
-#include <wincrypt.h>
 
 #include <cstdlib>
-#include <memory>
 #include <stdexcept>
-
-namespace
-{
-struct CloseStore
-{
-    void operator()(void* store) const { CertCloseStore(store, 0); }
-};
-
-std::unique_ptr<void, CloseStore> rootsOfUser()
-{
-    std::unique_ptr<void, CloseStore> store(
-        CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
-    if (!store) {
-        throw std::runtime_error("CertOpenStore failed with " + std::to_string(GetLastError()));
-    }
-    return store;
-}
-
-bool contains(HCERTSTORE store, const std::string& der)
-{
-    const PCCERT_CONTEXT wanted = CertCreateCertificateContext(
-        X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()), static_cast<DWORD>(der.size()));
-    const PCCERT_CONTEXT found =
-        CertFindCertificateInStore(store, X509_ASN_ENCODING, 0, CERT_FIND_EXISTING, wanted, nullptr);
-    CertFreeCertificateContext(wanted);
-    return found != nullptr && CertFreeCertificateContext(found) != FALSE;
-}
-
-PCCERT_CONTEXT addedTo(HCERTSTORE store, const std::string& der)
-{
-    PCCERT_CONTEXT added = nullptr;
-    if (CertAddEncodedCertificateToStore(store, X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()),
-                                         static_cast<DWORD>(der.size()), CERT_STORE_ADD_REPLACE_EXISTING,
-                                         &added) == 0) {
-        throw std::runtime_error("CertAddEncodedCertificateToStore failed with " +
-                                 std::to_string(GetLastError()));
-    }
-    return added;
-}
-} // namespace
 
 // Windows asks the person at every change of these certificates: the self-check makes one for all its tests.
 bool authorityStaysTrusted()
@@ -58,14 +18,13 @@ bool authorityStaysTrusted()
 
 void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
 {
-    const auto store = rootsOfUser();
-    if (contains(store.get(), der)) {
+    if (isTrustedByUser(der)) {
         return;
     }
     if (authorityStaysTrusted()) {
         throw std::runtime_error("the self-check has not had the sandbox's authority trusted");
     }
-    CertFreeCertificateContext(addedTo(store.get(), der));
+    trustByUser(der);
 }
 
 bool isWindows()

@@ -1,0 +1,73 @@
+#include "UserRoots.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace
+{
+struct CloseStore
+{
+    void operator()(void* store) const { CertCloseStore(store, 0); }
+};
+
+std::unique_ptr<void, CloseStore> rootsOfUser()
+{
+    std::unique_ptr<void, CloseStore> store(
+        CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
+    if (!store) {
+        throw std::runtime_error("CertOpenStore failed with " + std::to_string(GetLastError()));
+    }
+    return store;
+}
+
+const BYTE* bytesOf(const std::string& der)
+{
+    return reinterpret_cast<const BYTE*>(der.data());
+}
+
+PCCERT_CONTEXT findAuthority(HCERTSTORE store, PCCERT_CONTEXT previous)
+{
+    return CertFindCertificateInStore(store, X509_ASN_ENCODING, 0, CERT_FIND_SUBJECT_STR_W,
+                                      L"Vantry Sandbox CA ", previous);
+}
+} // namespace
+
+bool isTrustedByUser(const std::string& der)
+{
+    const PCCERT_CONTEXT wanted =
+        CertCreateCertificateContext(X509_ASN_ENCODING, bytesOf(der), static_cast<DWORD>(der.size()));
+    const PCCERT_CONTEXT found = CertFindCertificateInStore(rootsOfUser().get(), X509_ASN_ENCODING, 0,
+                                                            CERT_FIND_EXISTING, wanted, nullptr);
+    CertFreeCertificateContext(wanted);
+    return found != nullptr && CertFreeCertificateContext(found) != FALSE;
+}
+
+void trustByUser(const std::string& der)
+{
+    if (CertAddEncodedCertificateToStore(rootsOfUser().get(), X509_ASN_ENCODING, bytesOf(der),
+                                         static_cast<DWORD>(der.size()), CERT_STORE_ADD_NEW,
+                                         nullptr) == FALSE) {
+        throw std::runtime_error("the certificate was not added: error " + std::to_string(GetLastError()));
+    }
+}
+
+int removeSandboxAuthorities()
+{
+    const auto store = rootsOfUser();
+    while (const auto* authority = findAuthority(store.get(), nullptr)) {
+        if (CertDeleteCertificateFromStore(authority) == FALSE) { // which frees the context, too
+            break;                                                // the person has refused
+        }
+    }
+    const auto reopened = rootsOfUser();
+    int left = 0;
+    for (const auto* found = findAuthority(reopened.get(), nullptr); found != nullptr;
+         found = findAuthority(reopened.get(), found)) {
+        ++left;
+    }
+    return left;
+}

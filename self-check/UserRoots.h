@@ -1,0 +1,17 @@
+/// @file
+/// The authorities that the current user of this Windows trusts. Real Windows asks the person at every
+/// change.
+#pragma once
+
+#include <string>
+
+/// @param der the authority's certificate
+/// @throws std::runtime_error if the list cannot be opened
+bool isTrustedByUser(const std::string& der);
+
+/// @param der the authority's certificate
+/// @throws std::runtime_error if it cannot be added or the person refuses
+void trustByUser(const std::string& der);
+
+/// Removes the authorities of sandboxes and tells how many are still there afterwards.
+int removeSandboxAuthorities();
