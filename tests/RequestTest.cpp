@@ -237,24 +237,6 @@ TEST_F(UploadBytes, AnyContentAndFileNameArriveUnchanged)
     }
 }
 
-TEST_F(UploadBytes, TheBaseIsMadeOfSchemeHostAndExplicitPort)
-{
-    const auto base = baseOf(sandbox.http);
-    const auto address = base.substr(std::wstring(L"http://").size());
-    for (const auto& endPoint :
-         {base + L"/other/path?query=1#part", L"http://user:word@" + address + L"/rest"}) {
-        SetEndPoint(endPoint);
-        log.clear();
-        SaveAttachment({"x", L"x"});
-        EXPECT_EQ(log.containing(L"Setting the end point"),
-                  std::vector{LogText::info(LogText::api +
-                                            L"unsafe_sendRequest_UploadAttachment; Setting the end point for "
-                                            L"uploading attachment: " +
-                                            base + L"/helpdesk")});
-    }
-    EXPECT_EQ(sandbox.requests().size(), 2U);
-}
-
 /// Identifiers that the server gave come back to it as it gave them.
 TEST_F(RequestBytes, TextOfTheServerIsEncodedOnlyWhereAnAddressNeedsIt)
 {

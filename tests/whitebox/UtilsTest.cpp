@@ -51,20 +51,33 @@ TEST(Addresses, OnlyLowerCaseHttpsIsSecure)
     EXPECT_THROW(Utils::isSecureScheme(L"http://a b/"), web::uri_exception);
 }
 
+namespace
+{
+using Method = std::function<ResponseStatus()>;
+
+template <typename Thrown>
+Method throwing(const Thrown& thrown)
+{
+    return [thrown]() -> ResponseStatus { throw thrown; };
+}
+
+struct GuardedMethod
+{
+    Method method;
+    int code;
+    std::wstring message;
+    std::vector<std::wstring> fatals;
+};
+} // namespace
+
 TEST(GuardedCall, MapsWhateverIsThrown)
 {
-    const std::wstring general =
-        L"Error while sending a request to the Vantry server. See log files for more information.";
+    const std::wstring general = Utils::LoadStringW(101);
     const std::wstring name = L"CVantryApi VantryIntegrationApi::Utils::safe_CallMethod; ";
-    const auto codeText = web::http::http_exception(5, "what").error_code().message();
-    struct Row
-    {
-        std::function<ResponseStatus()> method;
-        int code;
-        std::wstring message;
-        std::vector<std::wstring> fatals;
-    };
-    const std::vector<Row> table{
+    const web::http::http_exception httpError(5, "what");
+    const auto narrowText = httpError.error_code().message();
+    const std::wstring codeText(narrowText.begin(), narrowText.end());
+    const std::vector<GuardedMethod> table{
         {[] {
              return ResponseStatus{204, L"m"};
          },
@@ -72,24 +85,17 @@ TEST(GuardedCall, MapsWhateverIsThrown)
          L"m",
          {}},
         {[] { return ResponseStatus{}; }, -1, L"Internal Error: Object wasn't initialized.", {}},
-        {[]() -> ResponseStatus { throw web::http::http_exception(5, "what"); },
+        {throwing(httpError),
          600,
-         {codeText.begin(), codeText.end()},
-         {L"http_exception happened: what",
-          L"Error Code: 5; Message: " + std::wstring(codeText.begin(), codeText.end())}},
-        {[]() -> ResponseStatus { throw web::uri_exception(inThreadCodePage(L"bad \u00E9")); },
+         codeText,
+         {L"http_exception happened: what", L"Error Code: 5; Message: " + codeText}},
+        {throwing(web::uri_exception(inThreadCodePage(L"bad \u00E9"))),
          600,
          L"bad \u00E9",
          {L"uri_exception happened: bad \u00E9"}},
-        {[]() -> ResponseStatus { throw web::json::json_exception("bad json"); },
-         600,
-         L"bad json",
-         {L"json_exception happened: bad json"}},
-        {[]() -> ResponseStatus { throw std::out_of_range("range"); },
-         600,
-         general,
-         {L"std::exception happened: range"}},
-        {[]() -> ResponseStatus { throw 7; }, 600, general, {L"Unexpected exception happened"}}};
+        {throwing(web::json::json_exception("bad")), 600, L"bad", {L"json_exception happened: bad"}},
+        {throwing(std::out_of_range("range")), 600, general, {L"std::exception happened: range"}},
+        {throwing(7), 600, general, {L"Unexpected exception happened"}}};
     CapturedLog log;
     for (const auto& row : table) {
         log.clear();
