@@ -87,9 +87,7 @@ TEST_P(EveryCertificate, EveryCallProbesAndAsksAboutTheCertificateOfItsOwnProbe)
     sandbox.plan(last);
     GetParam().start();
     const auto first = seen;
-    auto change = web::json::value::object();
-    change[_XPLATSTR("certificate")] = web::json::value(_XPLATSTR("other"));
-    sandbox.planConnection(change);
+    sandbox.planConnection({{"certificate", "other"}});
     GetParam().start();
     EXPECT_EQ(asked, 2);
     EXPECT_FALSE(seen == first);

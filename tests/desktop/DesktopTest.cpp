@@ -99,11 +99,7 @@ protected:
         return folder / name;
     }
 
-    std::string stateOf(const std::string& member) const
-    {
-        return utility::conversions::to_utf8string(
-            sandbox.state().at(utility::conversions::to_string_t(member)).serialize());
-    }
+    std::string stateOf(const std::string& member) const { return sandbox.state().at(member).dump(); }
 
     void endNormally()
     {
@@ -246,7 +242,7 @@ TEST_F(Desktop, AFileThatCannotBeReadEndsTheRow)
     host->waitForStatus(L"The note on ticket 1001 is saved. Files go to this note.");
     host->drop({makeFile(L"first.txt", "1"), folder, makeFile(L"last.txt", "3")});
     EXPECT_NE(nextMessage().find("Not started: it is not a file"), std::string::npos);
-    EXPECT_EQ(sandbox.state().at(L"attachments").size(), 1U);
+    EXPECT_EQ(sandbox.state().at("attachments").size(), 1U);
     EXPECT_TRUE(host->window().isEnabled(IDC_ATTACH_FILE));
     endNormally();
 }

@@ -9,33 +9,22 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 
-namespace json = web::json;
-using utility::conversions::to_string_t;
+using nlohmann::json;
 
 namespace
 {
-std::wstring textOf(const json::value& value)
+std::wstring textOf(const json& value)
 {
-    auto text = wide(value.as_string());
+    auto text = wide(value.get<std::string>());
     // What JSON cannot hold: halves of a surrogate pair.
     boost::replace_all(text, L"{D800}", std::wstring(1, static_cast<wchar_t>(0xD800)));
     boost::replace_all(text, L"{DC00}", std::wstring(1, static_cast<wchar_t>(0xDC00)));
     return text;
 }
 
-std::vector<std::wstring> textsOf(const json::value& array)
-{
-    std::vector<std::wstring> texts;
-    for (const auto& element : array.as_array()) {
-        texts.push_back(textOf(element));
-    }
-    return texts;
-}
-
 /// Each character of the text is a byte. <<N*text>> is N times the text, # in it the number from 0 on.
-std::string bytesOf(const json::value& value)
+std::string bytesOf(const json& value)
 {
     std::string bytes;
     for (const auto character : textOf(value)) {
@@ -54,100 +43,71 @@ std::string bytesOf(const json::value& value)
     return bytes;
 }
 
-class Row
+std::string bytesOf(const json& row, const char* name, const std::string& otherwise = "")
 {
-public:
-    explicit Row(const json::value& row) : m_row(row) {}
+    return row.contains(name) ? bytesOf(row[name]) : otherwise;
+}
 
-    const json::value* find(const char* name) const
-    {
-        const auto key = to_string_t(name);
-        return m_row.has_field(key) ? &m_row.at(key) : nullptr;
+template <typename Read>
+auto optional(const json& row, const char* name, const Read& read)
+{
+    return row.contains(name) ? std::optional(read(row[name])) : std::nullopt;
+}
+
+std::vector<std::wstring> textsOf(const json& row, const char* name)
+{
+    std::vector<std::wstring> texts;
+    for (const auto& element : row.value(name, json::array())) {
+        texts.push_back(textOf(element));
     }
-
-    std::string bytes(const char* name, const std::string& otherwise = "") const
-    {
-        const auto* const value = find(name);
-        return value != nullptr ? bytesOf(*value) : otherwise;
-    }
-
-    int number(const char* name, int otherwise) const
-    {
-        const auto* const value = find(name);
-        return value != nullptr ? value->as_integer() : otherwise;
-    }
-
-    std::vector<std::wstring> texts(const char* name) const
-    {
-        const auto* const value = find(name);
-        return value != nullptr ? textsOf(*value) : std::vector<std::wstring>();
-    }
-
-    template <typename Read>
-    auto optional(const char* name, const Read& read) const
-    {
-        const auto* const value = find(name);
-        return value != nullptr ? std::optional(read(*value)) : std::nullopt;
-    }
-
-private:
-    const json::value& m_row;
-};
+    return texts;
+}
 
 /// "raw" alone, or success with a "head", a "type" or JSON.
-std::string answerBytes(const Row& row)
+std::string answerBytes(const json& row)
 {
-    if (row.find("raw") != nullptr) {
-        return row.bytes("raw");
-    }
-    const auto body = row.bytes("json", row.bytes("body"));
-    const auto head = row.bytes("head", "Content-Type: " + row.bytes("type", "application/json") +
-                                            "\r\nContent-Length: " + std::to_string(body.size()));
-    return "HTTP/1.1 {status}\r\n" + head + "\r\n\r\n" + body;
+    const auto body = bytesOf(row, "json", bytesOf(row, "body"));
+    const auto head = bytesOf(row, "head",
+                              "Content-Type: " + bytesOf(row, "type", "application/json") +
+                                  "\r\nContent-Length: " + std::to_string(body.size()));
+    return bytesOf(row, "raw", "HTTP/1.1 {status}\r\n" + head + "\r\n\r\n" + body);
 }
 
-Step stepOf(const json::value& value)
+Script scriptOf(const json& row)
 {
-    const Row row(value);
-    return {answerBytes(row), row.number("waitMs", 0), static_cast<std::uint64_t>(row.number("times", 1))};
-}
-
-Script scriptOf(const json::value& value)
-{
-    const Row row(value);
-    Script script{{}, row.bytes("then", "close")};
-    if (const auto* const steps = row.find("steps")) {
-        const auto& array = steps->as_array();
-        std::transform(array.begin(), array.end(), std::back_inserter(script.steps), stepOf);
-    } else if (const auto wait = row.number("eachMs", 0); wait != 0) {
+    Script script{{}, bytesOf(row, "then", "close")};
+    if (const int wait = row.value("eachMs", 0); wait != 0) {
         for (const auto byte : answerBytes(row)) {
             script.steps.push_back({std::string(1, byte), wait});
         }
-    } else {
-        script.steps.push_back({answerBytes(row)});
+        return script;
+    }
+    for (const auto& step : row.value("steps", json::array({row}))) {
+        script.steps.push_back(
+            {answerBytes(step), step.value("waitMs", 0), step.value("times", std::uint64_t(1))});
     }
     return script;
 }
 
 /// A number, or "usual" for success.
-std::optional<int> statusOf(const json::value& value)
+std::optional<int> statusOf(const json& value)
 {
-    return value.is_integer() ? std::optional(value.as_integer()) : std::nullopt;
+    return value.is_number() ? std::optional(value.get<int>()) : std::nullopt;
 }
 
-std::map<std::wstring, std::function<void()>> callsOf(const Row& row)
+std::map<std::wstring, std::function<void()>> callsOf(const json& row)
 {
     std::map<std::wstring, std::function<void()>> calls;
-    if (const auto* const name = row.find("fileName")) {
-        calls[L"SaveAttachment"] = [text = textOf(*name)] { SaveAttachment({"x", text}); };
+    if (const auto name = optional(row, "fileName", textOf)) {
+        calls[L"SaveAttachment"] = [name] { SaveAttachment({"x", *name}); };
     }
-    if (const auto* const identifier = row.find("identifier")) {
-        calls[L"RequestTicketList"] = [text = textOf(*identifier)] { RequestTicketList(text, Client); };
+    if (const auto identifier = optional(row, "identifier", textOf)) {
+        calls[L"RequestTicketList"] = [identifier] { RequestTicketList(*identifier, Client); };
     }
-    if (const auto note = row.texts("note"); !note.empty()) {
+    if (const auto note = textsOf(row, "note"); !note.empty()) {
         calls[L"SaveTechNote"] = [note] { SaveTechNote({note[0], note[1], 1, true}); };
     }
-    if (const auto ticket = row.texts("ticket"); !ticket.empty()) {
+    if (const auto ticket = textsOf(row, "ticket"); !ticket.empty()) {
         calls[L"CreateTicket"] = [ticket] { CreateTicket({ticket[0], Client, ticket[1], ticket[2]}); };
     }
     return calls;
@@ -156,11 +116,9 @@ std::map<std::wstring, std::function<void()>> callsOf(const Row& row)
 std::vector<Fault> readCatalogue()
 {
     std::ifstream file(VANTRY_FAULTS);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
     std::vector<Fault> faults;
-    const auto sections = json::value::parse(to_string_t(text));
-    for (const auto& section : sections.as_array()) {
-        for (const auto& row : section.at(_XPLATSTR("faults")).as_array()) {
+    for (const auto& section : json::parse(file)) {
+        for (const auto& row : section["faults"]) {
             Fault fault(row);
             if (!isWindows() || !fault.is("linuxOnly")) {
                 faults.push_back(std::move(fault));
@@ -171,38 +129,24 @@ std::vector<Fault> readCatalogue()
 }
 } // namespace
 
-Fault::Fault(const json::value& value)
+Fault::Fault(const json& row)
+    : name(row["name"]), over(row.value("over", "http")), stage(row.value("stage", "exchange")),
+      answer(optional(row, "answer", scriptOf)), probe(optional(row, "probe", scriptOf)),
+      connection(optional(row, "connection", [](const auto& order) { return order; })),
+      endPoint(optional(row, "endPoint", textOf)), credentials(textsOf(row, "credentials")),
+      host(row.value("host", "")), calls(callsOf(row)), only(textsOf(row, "only")),
+      leaves(row.value("leaves", "")),
+      gives(statusOf(row.value(isWindows() && row.contains("windows") ? "windows" : "gives", json()))),
+      text(optional(row, "text", textOf).value_or(L"")), ticketId(optional(row, "ticketId", textOf)),
+      tickets(optional(row, "tickets", [](const auto& count) { return count.template get<std::size_t>(); })),
+      flags(row.value("flags", std::vector<std::string>()))
 {
-    const Row row(value);
-    name = row.bytes("name");
-    over = row.bytes("over", "http");
-    stage = row.bytes("stage", "exchange");
-    answer = row.optional("answer", scriptOf);
-    probe = row.optional("probe", scriptOf);
-    connection = row.optional("connection", [](const auto& order) { return order; });
-    endPoint = row.optional("endPoint", textOf);
-    credentials = row.texts("credentials");
-    host = row.bytes("host");
-    calls = callsOf(row);
-    only = row.texts("only");
     if (!calls.empty()) {
         only = {calls.begin()->first};
     }
-    leaves = row.bytes("leaves");
-    const auto* const windows = isWindows() ? row.find("windows") : nullptr;
-    const auto* const status = windows != nullptr ? windows : row.find("gives");
-    gives = status != nullptr ? statusOf(*status) : std::nullopt;
-    text = row.optional("text", textOf).value_or(L"");
-    if (const auto* const others = row.find("but")) {
-        for (const auto& [operation, other] : others->as_object()) {
-            but[wide(operation)] = statusOf(other);
-        }
-    }
-    ticketId = row.optional("ticketId", textOf);
-    tickets = row.optional("tickets",
-                           [](const auto& count) { return static_cast<std::size_t>(count.as_integer()); });
-    for (const auto& flag : row.texts("flags")) {
-        flags.push_back(narrow(flag));
+    const auto others = row.value("but", json::object());
+    for (const auto& [operation, other] : others.items()) {
+        but[wide(operation)] = statusOf(other);
     }
 }
 

@@ -21,7 +21,7 @@ struct Script
 /// One row; the file's comment-free members mean what those of the same name here mean.
 struct Fault
 {
-    explicit Fault(const web::json::value& row);
+    explicit Fault(const nlohmann::json& row);
 
     bool is(const char* flag) const;
 
@@ -30,7 +30,7 @@ struct Fault
     std::string stage; ///< preparation: nothing is sent; probe: no request; exchange: one request at most
     std::optional<Script> answer;
     std::optional<Script> probe;
-    std::optional<web::json::value> connection; ///< the sandbox's order, without "secure"
+    std::optional<nlohmann::json> connection; ///< the sandbox's order, without "secure"
     std::optional<std::wstring> endPoint;
     std::vector<std::wstring> credentials;
     std::string host;                                    ///< what the host does, see HostFaults.h

@@ -16,7 +16,6 @@
 #include <system_error>
 
 using namespace std::chrono_literals;
-using utility::conversions::to_string_t;
 
 namespace
 {
@@ -184,7 +183,7 @@ private:
         }
         if (fault.connection) {
             auto order = *fault.connection;
-            order[_XPLATSTR("secure")] = web::json::value(cell.secure);
+            order["secure"] = cell.secure;
             sandbox.planConnection(order);
         }
         m_asked = 0;

@@ -9,8 +9,9 @@
 #include <cstdlib>
 #include <sstream>
 
+using nlohmann::json;
 using utility::conversions::to_string_t;
-namespace json = web::json;
+using utility::conversions::to_utf8string;
 
 namespace
 {
@@ -56,41 +57,34 @@ bool isProbe(const Request& request)
 } // namespace
 
 Answer::Answer(int status, const std::string& body, const std::string& contentType)
+    : m_plan{{"status", status}, {"body", body}}
 {
-    m_plan[_XPLATSTR("status")] = json::value(status);
-    m_plan[_XPLATSTR("body")] = json::value(to_string_t(body));
     if (!contentType.empty()) {
         header("Content-Type", contentType);
     }
 }
 
-Answer& Answer::of(const std::string& method)
-{
-    m_plan[_XPLATSTR("method")] = json::value(to_string_t(method));
-    return *this;
-}
-
 Answer& Answer::to(const std::string& path)
 {
-    m_plan[_XPLATSTR("path")] = json::value(to_string_t(path));
+    m_plan["path"] = path;
     return *this;
 }
 
 Answer& Answer::header(const std::string& name, const std::string& value)
 {
-    m_plan[_XPLATSTR("headers")][to_string_t(name)] = json::value(to_string_t(value));
+    m_plan["headers"][name] = value;
     return *this;
 }
 
 Answer& Answer::after(int milliseconds)
 {
-    m_plan[_XPLATSTR("delayMs")] = json::value(milliseconds);
+    m_plan["delayMs"] = milliseconds;
     return *this;
 }
 
 Answer& Answer::cutAfter(int bytes)
 {
-    m_plan[_XPLATSTR("closeAfter")] = json::value(bytes);
+    m_plan["closeAfter"] = bytes;
     return *this;
 }
 
@@ -101,19 +95,12 @@ Answer Answer::bytes(const std::string& raw)
 
 Answer Answer::script(const std::vector<Step>& steps, const std::string& then)
 {
-    std::vector<json::value> orders;
+    auto orders = json::array();
     for (const auto& step : steps) {
-        auto& order = orders.emplace_back(json::value::object());
-        order[_XPLATSTR("raw")] =
-            json::value(utility::conversions::to_base64({step.bytes.begin(), step.bytes.end()}));
-        order[_XPLATSTR("waitMs")] = json::value(step.waitMs);
-        order[_XPLATSTR("times")] = json::value(step.times);
+        const auto raw = utility::conversions::to_base64({step.bytes.begin(), step.bytes.end()});
+        orders.push_back({{"raw", to_utf8string(raw)}, {"waitMs", step.waitMs}, {"times", step.times}});
     }
-    Answer answer(200);
-    answer.m_plan = json::value::object();
-    answer.m_plan[_XPLATSTR("steps")] = json::value::array(std::move(orders));
-    answer.m_plan[_XPLATSTR("then")] = json::value(to_string_t(then));
-    return answer;
+    return Answer(json{{"steps", orders}, {"then", then}});
 }
 
 Sandbox::Sandbox()
@@ -127,10 +114,9 @@ Sandbox::Sandbox()
 std::vector<Request> Sandbox::allRequests() const
 {
     std::vector<Request> requests;
-    const auto recorded = json::value::parse(to_string_t(get("/requests")));
-    for (const auto& entry : recorded.as_array()) {
-        const auto raw = utility::conversions::from_base64(entry.at(_XPLATSTR("raw")).as_string());
-        requests.push_back(parsed(entry.at(_XPLATSTR("secure")).as_bool(), {raw.begin(), raw.end()}));
+    for (const auto& entry : json::parse(get("/requests"))) {
+        const auto raw = utility::conversions::from_base64(to_string_t(entry.at("raw").get<std::string>()));
+        requests.push_back(parsed(entry.at("secure").get<bool>(), {raw.begin(), raw.end()}));
     }
     return requests;
 }
@@ -161,12 +147,12 @@ void Sandbox::forgetRequests() const
 
 void Sandbox::plan(const Answer& answer) const
 {
-    control(web::http::methods::POST, "/answers", answer.plan());
+    control(web::http::methods::POST, "/answers", answer.plan().dump());
 }
 
-void Sandbox::planConnection(const json::value& fate) const
+void Sandbox::planConnection(const json& fate) const
 {
-    control(web::http::methods::POST, "/connections", fate);
+    control(web::http::methods::POST, "/connections", fate.dump());
 }
 
 void Sandbox::forgetPlans() const
@@ -180,29 +166,29 @@ void Sandbox::reset() const
     control(web::http::methods::POST, "/reset");
 }
 
-json::value Sandbox::state() const
+json Sandbox::state() const
 {
-    return json::value::parse(to_string_t(get("/state")));
+    return json::parse(get("/state"));
 }
 
 std::string Sandbox::get(const std::string& path) const
 {
-    const auto bytes = control(web::http::methods::GET, path).extract_vector().get();
-    return {bytes.begin(), bytes.end()};
+    return control(web::http::methods::GET, path);
 }
 
-web::http::http_response Sandbox::control(const web::http::method& method, const std::string& path,
-                                          const json::value& body) const
+std::string Sandbox::control(const web::http::method& method, const std::string& path,
+                             const std::string& body) const
 {
     web::http::http_request request(method);
     request.set_request_uri(to_string_t(path));
-    if (!body.is_null()) {
-        request.set_body(body);
+    if (!body.empty()) {
+        request.set_body(body, "application/json");
     }
-    auto response = m_control.request(request).get();
+    const auto response = m_control.request(request).get();
+    const auto answer = response.extract_vector().get();
     if (response.status_code() >= 300) {
         throw std::runtime_error("the sandbox refused " + path + ": " +
-                                 response.extract_utf8string(true).get());
+                                 std::string(answer.begin(), answer.end()));
     }
-    return response;
+    return {answer.begin(), answer.end()};
 }

@@ -5,7 +5,7 @@
 #include "support/Step.h"
 
 #include <cpprest/http_client.h>
-#include <cpprest/json.h>
+#include <nlohmann/json.hpp>
 
 #include <map>
 #include <string>
@@ -29,8 +29,7 @@ public:
     explicit Answer(int status, const std::string& body = "",
                     const std::string& contentType = "application/json");
 
-    Answer& of(const std::string& method); ///< only for requests of this method
-    Answer& to(const std::string& path);   ///< only for requests of this path
+    Answer& to(const std::string& path); ///< only for requests of this path
     Answer& header(const std::string& name, const std::string& value);
     Answer& after(int milliseconds);
     Answer& cutAfter(int bytes);
@@ -41,10 +40,12 @@ public:
     /// Exactly these steps, and `then` what the control interface knows to do with the connection.
     static Answer script(const std::vector<Step>& steps, const std::string& then);
 
-    const web::json::value& plan() const { return m_plan; }
+    const nlohmann::json& plan() const { return m_plan; }
 
 private:
-    web::json::value m_plan = web::json::value::object();
+    explicit Answer(nlohmann::json plan) : m_plan(std::move(plan)) {}
+
+    nlohmann::json m_plan;
 };
 
 class Sandbox
@@ -69,21 +70,22 @@ public:
 
     void plan(const Answer& answer) const;
     /// The fate of a connection to come, in the control interface's words.
-    void planConnection(const web::json::value& fate) const;
+    void planConnection(const nlohmann::json& fate) const;
     /// Forgets what was planned and has not come.
     void forgetPlans() const;
 
     /// Has it forget everything that it holds, recorded and was told.
     void reset() const;
 
-    web::json::value state() const;
+    nlohmann::json state() const;
     /// The body of GET `path` on the control interface.
     std::string get(const std::string& path) const;
 
 private:
     std::vector<Request> allRequests() const;
-    web::http::http_response control(const web::http::method& method, const std::string& path,
-                                     const web::json::value& body = {}) const;
+    /// The answer's body.
+    std::string control(const web::http::method& method, const std::string& path,
+                        const std::string& body = "") const;
 
     mutable web::http::client::http_client m_control;
 };
