@@ -64,6 +64,7 @@ Transcript outcome(unsigned char operation, std::string_view answer, const log4c
     fuzz::require(client.GetLastResponse().httpStatusCode == 200, "a session that cannot be closed");
     run(createTicket, goodTicket);
     fuzz::require(client.GetCreatedTicketID() == L"7", "the next good call does not work");
+    fuzz::requireSecrecy();
     return transcript;
 }
 } // namespace

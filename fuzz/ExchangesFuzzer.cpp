@@ -91,5 +91,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::runOperation(client, saveAttachment);
     fuzz::runOperation(client, createTicket);
     fuzz::require(client.GetCreatedTicketID() == L"7", "the next good call does not work");
+    fuzz::requireSecrecy();
     return 0;
 }

@@ -14,18 +14,18 @@ namespace fuzz
 /// Ends the process, which is how a fuzzer learns of a find.
 void require(bool holds, std::string_view what);
 
-/// Sets the level of the library's loggers. From the first call on every line is watched.
+/// Sets the level of the library's loggers and forgets what they wrote.
 void logAt(const log4cxx::LevelPtr& level);
 
-/// The text that no line may hold from now on; empty: none.
-void forbidInLog(const std::string& utf8);
+/// Neither `text`, which the host sees, nor any line since `logAt` shows the password of `setUp` in a query.
+void requireSecrecy(const std::string& text = "");
 
-/// Gives `client` an endpoint and these credentials, the password of which no line may show in a query.
+/// Gives `client` an endpoint and these credentials.
 void setUp(VantryIntegrationApi::CVantryApi& client, const std::wstring& endPoint,
            const std::wstring& userName, const std::wstring& password);
 
 /// Runs one of the six operations, which `choice` chooses. The exceptions that the interface documents are
-/// caught, and their text returned; it is watched like a line.
+/// caught, and their text returned.
 std::string runOperation(VantryIntegrationApi::CVantryApi& client, unsigned char choice);
 
 /// The server's bytes that a fuzzer made, for this request: the byte 1 stands for the request's target, which

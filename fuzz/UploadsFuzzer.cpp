@@ -64,6 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::setUp(client, L"http://server/rest", userName, L"wrench");
     openSession(client, key);
     const auto sent = upload(client, {content, fileName});
+    fuzz::requireSecrecy();
     fuzz::require(everyTextIsOneLine || !sent, "a text of more than one line is sent");
     if (!sent) {
         fuzz::require(client.GetLastResponse().httpStatusCode == 600, "nothing was sent, nobody is told");

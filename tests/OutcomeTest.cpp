@@ -1,8 +1,6 @@
 // What the host reads back: statuses, texts and results, and when they are kept, replaced or cleared.
 #include "support/VantryTest.h"
 
-#include <chrono>
-
 using namespace LogText;
 
 namespace
@@ -96,15 +94,6 @@ TEST_F(Outcome, ABodyOfNoUseIsReadForTheTraceAloneAndMayBeBroken)
     }
 }
 
-TEST_F(Outcome, ASynchronousCallWaitsForASlowAnswer)
-{
-    const auto start = std::chrono::steady_clock::now();
-    sandbox.plan(Answer(200, "[]").after(700));
-    RequestTicketList(L"42", Client);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
-    expectStatus(200, L"OK");
-}
-
 TEST_F(Outcome, TheSessionIsWhatTheLastAnswerWithABodySaid)
 {
     struct Row
@@ -146,14 +135,6 @@ TEST_F(Outcome, ACookieWithoutAnAttributeFailsWithTheGeneralText)
     const auto texts = log.texts();
     expectStatus(600, requestFailedText);
     expectLog("cookie-without-attribute", texts);
-}
-
-TEST_F(Outcome, TheServersBodyIsLoggedAsItCame)
-{
-    sandbox.plan(Answer(200, R"({"a":1})").header("Set-Cookie", "X=1;"));
-    CreateSession();
-    EXPECT_EQ(log.containing(LR"(Server's response: {"a":1})").size(), 1U);
-    EXPECT_EQ(log.containing(L"Session id is: null Cookie id is: X=1").size(), 1U);
 }
 
 TEST_F(Outcome, TheNoteIsKeptReplacedOrForgotten)
