@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <system_error>
 
 struct CompletionWindow::State
@@ -62,9 +63,18 @@ HWND CompletionWindow::handle() const
 void CompletionWindow::waitForOperation()
 {
     m_state->operationEnded = false;
+    std::optional<int> quitCode;
     MSG message;
-    while (!m_state->operationEnded && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
+    // The results may be read only when the operation has ended, even if the program is to end before.
+    while (!m_state->operationEnded) {
+        if (GetMessageW(&message, nullptr, 0, 0) > 0) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        } else {
+            quitCode = static_cast<int>(message.wParam);
+        }
+    }
+    if (quitCode) {
+        PostQuitMessage(*quitCode); // for the loop that comes next
     }
 }
