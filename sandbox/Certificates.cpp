@@ -132,18 +132,6 @@ std::shared_ptr<X509> createAuthority(EVP_PKEY& key)
     return authority;
 }
 
-Validity validityOf(CertificateKind kind)
-{
-    switch (kind) {
-    case CertificateKind::Expired:
-        return {-30, -1};
-    case CertificateKind::NotYetValid:
-        return {1, 30};
-    default:
-        return {};
-    }
-}
-
 template <typename Object>
 std::string toDer(const Object& object, int (*encode)(const Object*, unsigned char**))
 {
@@ -214,17 +202,19 @@ ServerCertificate CertificateAuthority::issue(CertificateKind kind) const
         return CertificateAuthority(m_crlUrl).issue(CertificateKind::Good);
     }
     const bool isSelfSigned = kind == CertificateKind::SelfSigned;
+    const Validity validity = kind == CertificateKind::Expired       ? Validity{-30, -1}
+                              : kind == CertificateKind::NotYetValid ? Validity{1, 30}
+                                                                     : Validity{};
     const std::string host = kind == CertificateKind::OtherHost ? "other.example" : "localhost";
     const auto key = createKey();
-    const auto leaf =
-        createUnsigned(host, validityOf(kind), *key, isSelfSigned ? nullptr : m_certificate.get(),
-                       {{NID_basic_constraints, "critical,CA:FALSE"},
-                        {NID_key_usage, "critical,digitalSignature"},
-                        {NID_ext_key_usage, "serverAuth"},
-                        {NID_subject_alt_name, "DNS:" + host},
-                        {NID_crl_distribution_points, "URI:" + m_crlUrl},
-                        {NID_subject_key_identifier, "hash"},
-                        {NID_authority_key_identifier, "keyid:always"}});
+    const auto leaf = createUnsigned(host, validity, *key, isSelfSigned ? nullptr : m_certificate.get(),
+                                     {{NID_basic_constraints, "critical,CA:FALSE"},
+                                      {NID_key_usage, "critical,digitalSignature"},
+                                      {NID_ext_key_usage, "serverAuth"},
+                                      {NID_subject_alt_name, "DNS:" + host},
+                                      {NID_crl_distribution_points, "URI:" + m_crlUrl},
+                                      {NID_subject_key_identifier, "hash"},
+                                      {NID_authority_key_identifier, "keyid:always"}});
     sign(*leaf, isSelfSigned ? *leaf : *m_certificate, isSelfSigned ? *key : *m_key);
     return {toDer(*leaf, i2d_X509), contextWith(*leaf, *key)};
 }

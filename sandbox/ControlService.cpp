@@ -1,6 +1,5 @@
-#include "ControlService.h"
-
 #include "Encoding.h"
+#include "Routes.h"
 #include "Target.h"
 
 #include <utility>
@@ -25,11 +24,13 @@ Json toJson(const std::vector<std::shared_ptr<const ReceivedRequest>>& requests)
     return list;
 }
 
-Answer contentOf(const std::vector<Attachment>& all, const Request& request)
+Answer contentOf(const std::map<std::string, Attachment>& all, const Request& request)
 {
-    const std::string_view id = pathOf(view(request.target())).substr(attachments.size());
-    return textAnswer("application/octet-stream",
-                      std::string(all[positionOf(id, firstAttachmentId, all.size())].content));
+    const auto found = all.find(std::string(pathOf(view(request.target())).substr(attachments.size())));
+    if (found == all.end()) {
+        throw HttpError(404, "there is no such attachment");
+    }
+    return textAnswer("application/octet-stream", std::string(found->second.content));
 }
 
 Route file(const std::string& path, const std::string& contentType, std::string content)
@@ -45,7 +46,7 @@ Route order(http::verb method, const std::string& path, Do perform)
 {
     return {method, path, [perform](const Request& request) {
                 perform(request);
-                return Answer{204, std::nullopt, {}, {}};
+                return Answer{204, {}, {}};
             }};
 }
 } // namespace
@@ -60,18 +61,19 @@ std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& autho
               [&state](const Request& request) {
                   state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body())));
               }),
-        order(http::verb::delete_, "/answers", [&state](const Request&) { state.plannedAnswers = {}; }),
         order(http::verb::post, "/connections",
               [&state](const Request& request) {
                   state.plannedConnections.add(readPlannedConnection(Json::parse(request.body())));
               }),
-        order(http::verb::delete_, "/connections",
-              [&state](const Request&) { state.plannedConnections = {}; }),
+        order(http::verb::delete_, "/plans",
+              [&state](const Request&) {
+                  state.plannedAnswers = {};
+                  state.plannedConnections = {};
+              }),
         order(http::verb::post, "/reset", [&state](const Request&) { state = SharedState(); }),
         {http::verb::get, "/state", [&state](const Request&) { return jsonAnswer(200, state.helpDesk); }},
         {http::verb::get, attachments + '*',
          [&state](const Request& request) { return contentOf(state.attachments, request); }},
-        file("/ca.pem", "application/x-pem-file", authority.pem()),
         file("/ca.der", "application/pkix-cert", authority.der()),
         file("/leaf.der", "application/pkix-cert", authority.certificate(CertificateKind::Good).der),
         file("/crl.der", "application/pkix-crl", authority.revocationListDer()),

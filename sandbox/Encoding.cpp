@@ -22,13 +22,9 @@ std::optional<std::string> fromBase64(std::string_view text)
     const int length =
         EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
                         reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    const auto padding = std::count(
-        text.end() - std::min<std::ptrdiff_t>(2, static_cast<std::ptrdiff_t>(text.size())), text.end(), '=');
-    if (text.size() % 4 != 0 || length != static_cast<int>(bytes.size())) {
-        return std::nullopt;
-    }
-    bytes.resize(bytes.size() - padding);
-    return toBase64(bytes) == text ? std::optional(bytes)
-                                   : std::nullopt; // the decoder accepts more than it should
+    const auto padding = static_cast<int>(text.size() - text.find_last_not_of('=') - 1);
+    bytes.resize(static_cast<std::size_t>(std::max(0, length - padding)));
+    // The decoder takes more than it should.
+    return toBase64(bytes) == text ? std::optional(bytes) : std::nullopt;
 }
 } // namespace sandbox

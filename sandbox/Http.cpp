@@ -1,10 +1,7 @@
 #include "Http.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/http/status.hpp>
 #include <boost/beast/http/verb.hpp>
-
-#include <algorithm>
 
 namespace sandbox
 {
@@ -17,19 +14,13 @@ std::string standardReason(unsigned status)
     const http::status known = http::int_to_status(status);
     return known == http::status::unknown ? std::string() : std::string(view(http::obsolete_reason(known)));
 }
-
-bool hasHeader(const Answer& answer, std::string_view name)
-{
-    return std::any_of(answer.headers.begin(), answer.headers.end(),
-                       [name](const auto& header) { return boost::iequals(header.first, name); });
-}
 } // namespace
 
 Answer jsonAnswer(unsigned status, const Json& value)
 {
     // File names and targets may hold any byte; JSON text may not.
     std::string body = value.dump(-1, ' ', false, Json::error_handler_t::replace);
-    return {status, std::nullopt, {{"Content-Type", "application/json"}}, std::move(body)};
+    return {status, {{"Content-Type", "application/json"}}, std::move(body)};
 }
 
 Answer errorAnswer(unsigned status, const std::string& message, const std::string& member)
@@ -39,22 +30,22 @@ Answer errorAnswer(unsigned status, const std::string& message, const std::strin
 
 Answer textAnswer(const std::string& contentType, std::string body)
 {
-    return {200, std::nullopt, {{"Content-Type", contentType}}, std::move(body)};
+    return {200, {{"Content-Type", contentType}}, std::move(body)};
 }
 
 Reply replyTo(const Request& request, const Answer& answer)
 {
     const bool keepAlive = request.version() == 11 && request.keep_alive();
     const bool allowsBody = answer.status >= 200 && answer.status != 204 && answer.status != 304;
-    std::string bytes = "HTTP/1.1 " + std::to_string(answer.status) + ' ' +
-                        answer.reason.value_or(standardReason(answer.status)) + "\r\n";
+    std::string bytes =
+        "HTTP/1.1 " + std::to_string(answer.status) + ' ' + standardReason(answer.status) + "\r\n";
     for (const auto& [name, value] : answer.headers) {
         bytes.append(name).append(": ").append(value).append("\r\n");
     }
-    if (allowsBody && !hasHeader(answer, "Content-Length")) {
+    if (allowsBody) {
         bytes += "Content-Length: " + std::to_string(answer.body.size()) + "\r\n";
     }
-    if (!keepAlive && !hasHeader(answer, "Connection")) {
+    if (!keepAlive) {
         bytes += "Connection: close\r\n";
     }
     bytes += "\r\n";

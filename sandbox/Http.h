@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,7 +21,6 @@ using Headers = std::vector<std::pair<std::string, std::string>>;
 struct Answer
 {
     unsigned status = 200;
-    std::optional<std::string> reason; ///< absent: the status code's standard phrase
     Headers headers;
     std::string body;
 };
@@ -52,15 +50,11 @@ struct Reply
 };
 
 /// A request that cannot be served; the router turns it into the answer.
-class HttpError : public std::runtime_error
+struct HttpError : std::runtime_error
 {
-public:
-    HttpError(unsigned status, const std::string& message) : std::runtime_error(message), m_status(status) {}
+    HttpError(unsigned code, const std::string& message) : std::runtime_error(message), status(code) {}
 
-    unsigned status() const { return m_status; }
-
-private:
-    unsigned m_status;
+    unsigned status;
 };
 
 inline std::string_view view(boost::beast::string_view text)
@@ -72,6 +66,6 @@ Answer jsonAnswer(unsigned status, const Json& value);
 Answer errorAnswer(unsigned status, const std::string& message, const std::string& member = "error");
 Answer textAnswer(const std::string& contentType, std::string body);
 
-/// Headers of the answer's own win over those that are added here.
+/// With the status code's standard phrase, and what HTTP asks for added to the headers.
 Reply replyTo(const Request& request, const Answer& answer);
 } // namespace sandbox

@@ -1,7 +1,6 @@
 #include "Listener.h"
 
 #include "Connection.h"
-#include "Platform.h"
 
 #include <boost/asio/ssl/context.hpp>
 
@@ -26,9 +25,7 @@ auto connectionOver(Stream stream, Service& service)
 
 Listener::Listener(boost::asio::io_context& context)
     : m_acceptor(context, tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)), m_timer(context)
-{
-    platform::keepToThisProcess(m_acceptor);
-}
+{}
 
 std::string Listener::address(const std::string& scheme) const
 {
@@ -53,11 +50,7 @@ void Listener::accept()
         // What fails here (no descriptor left, as a rule) fails again at once; waiting gives connections time
         // to end.
         m_timer.expires_after(acceptPause);
-        m_timer.async_wait([this](boost::system::error_code stopped) {
-            if (!stopped) {
-                accept();
-            }
-        });
+        m_timer.async_wait([this](boost::system::error_code) { accept(); });
     });
 }
 

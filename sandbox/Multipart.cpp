@@ -6,77 +6,46 @@
 #include <boost/algorithm/string/predicate.hpp>
 
 #include <algorithm>
-#include <optional>
 
 namespace sandbox
 {
 namespace
 {
-constexpr std::string_view lineEnd = "\r\n";
+constexpr std::string_view headEnd = "\r\n\r\n";
 
-[[noreturn]] void refuse(const std::string& why)
+void require(bool holds, const char* otherwise)
 {
-    throw HttpError(400, why);
-}
-
-/// Takes the text up to the end mark, and the mark, off the rest; nothing if there is no mark.
-std::optional<std::string_view> takeUntil(std::string_view& rest, std::string_view mark)
-{
-    const std::size_t length = rest.find(mark);
-    if (length == std::string_view::npos) {
-        return std::nullopt;
+    if (!holds) {
+        throw HttpError(400, otherwise);
     }
-    const std::string_view text = rest.substr(0, length);
-    rest.remove_prefix(length + mark.size());
-    return text;
-}
-
-bool takeStart(std::string_view& rest, std::string_view start)
-{
-    if (rest.substr(0, start.size()) != start) {
-        return false;
-    }
-    rest.remove_prefix(start.size());
-    return true;
-}
-
-std::string delimiterFor(std::string_view contentType)
-{
-    const std::optional<std::string_view> boundary = headerParameter(contentType, "boundary");
-    if (!boost::istarts_with(contentType, "multipart/form-data;") || !boundary || boundary->empty()) {
-        refuse("the content type must be multipart/form-data with a boundary");
-    }
-    return "\r\n--" + std::string(*boundary);
 }
 
 std::string fileNameFrom(std::string_view headers)
 {
-    const std::size_t start = headers.find("Content-Disposition: form-data;");
-    if (start != std::string_view::npos) {
-        const std::string_view line = headers.substr(start, headers.find(lineEnd, start) - start);
-        const std::optional<std::string_view> fileName = headerParameter(line, "filename");
-        if (fileName && headerParameter(line, "name") == "file") {
-            return std::string(*fileName);
-        }
-    }
-    refuse("the part must be form-data, named \"file\" and with a file name");
+    headers.remove_prefix(std::min(headers.size(), headers.find("Content-Disposition: form-data;")));
+    const std::string_view line = headers.substr(0, headers.find("\r\n"));
+    const auto fileName = headerParameter(line, "filename");
+    require(fileName && headerParameter(line, "name") == "file",
+            "the part must be form-data, named \"file\" and with a file name");
+    return std::string(*fileName);
 }
 } // namespace
 
 UploadedFile readUpload(std::string_view contentType, std::string_view body)
 {
-    const std::string delimiter = delimiterFor(contentType);
-    if (!takeStart(body, delimiter + "\r\n") && !takeStart(body, delimiter.substr(lineEnd.size()) + "\r\n")) {
-        refuse("the body must begin with a part");
-    }
-    const std::optional<std::string_view> headers = takeUntil(body, "\r\n\r\n");
-    if (!headers) {
-        refuse("the part's headers do not end");
-    }
-    const std::optional<std::string_view> content = takeUntil(body, delimiter);
-    if (!content || (body != "--" && body != "--\r\n")) {
-        refuse("the body must be one part and the closing delimiter");
-    }
-    return {fileNameFrom(*headers), *content};
+    const std::string boundary(headerParameter(contentType, "boundary").value_or(""));
+    require(boost::istarts_with(contentType, "multipart/form-data;") && !boundary.empty(),
+            "the content type must be multipart/form-data with a boundary");
+    const std::string delimiter = "\r\n--" + boundary;
+    const std::size_t start = boost::starts_with(body, "\r\n") ? 0 : 2; // the line end before it is optional
+    require(boost::starts_with(body, (delimiter + "\r\n").substr(start)), "the body must begin with a part");
+    const std::size_t head = body.find(headEnd);
+    require(head != std::string_view::npos, "the part's headers do not end");
+    const std::string_view content = body.substr(head + headEnd.size());
+    const std::size_t length = content.find(delimiter);
+    const std::string_view rest =
+        length == std::string_view::npos ? "" : content.substr(length + delimiter.size());
+    require(rest == "--" || rest == "--\r\n", "the body must be one part and the closing delimiter");
+    return {fileNameFrom(body.substr(0, head)), content.substr(0, length)};
 }
 } // namespace sandbox

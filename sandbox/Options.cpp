@@ -10,16 +10,15 @@ namespace sandbox
 namespace
 {
 constexpr const char* explanation = R"(
-Serves until SIGINT or SIGTERM (on Windows: Ctrl-C, or its console is closed) and prints where, one "name value" a line:
-  http      http://localhost:PORT/helpdesk/rest     the plain REST endpoint
-  https     https://localhost:PORT/helpdesk/rest    the TLS REST endpoint
-  control   http://localhost:PORT                   the control interface
-  ca-file   PATH                                    the certificate authority (PEM)
+Serves until SIGINT or SIGTERM (on Windows: Ctrl-C, or its console is closed) and prints what clients need to know:
+  VANTRY_SANDBOX_HTTP=http://localhost:PORT/helpdesk/rest      the plain REST endpoint
+  VANTRY_SANDBOX_HTTPS=https://localhost:PORT/helpdesk/rest    the TLS REST endpoint
+  VANTRY_SANDBOX_CONTROL=http://localhost:PORT                 the control interface
+  VANTRY_SANDBOX_CA_FILE=PATH                                  the certificate authority (PEM), removed at the end
+  VANTRY_SANDBOX_USER=NAME  VANTRY_SANDBOX_PASSWORD=PASSWORD   as given
 
 With -- COMMAND ARG... at its end it prints nothing, runs the command with these variables in its environment, and ends with
-the command's exit code (on Linux 128 + n when signal n ended it):
-  VANTRY_SANDBOX_HTTP      VANTRY_SANDBOX_HTTPS     VANTRY_SANDBOX_CONTROL
-  VANTRY_SANDBOX_CA_FILE   VANTRY_SANDBOX_USER      VANTRY_SANDBOX_PASSWORD
+the command's exit code (on Linux 128 + n when signal n ended it).
 
 All ports are chosen by the system and open on 127.0.0.1 alone. Certificates are made afresh for each run:
 a CA (CN=Vantry Sandbox CA and a number) and from it the server's certificate (CN=localhost), whose
@@ -39,7 +38,7 @@ REST RESOURCES, under /helpdesk/rest, the same on both REST ports
       201 {"id":1001,"type":"JobTicket"}; another shape or an empty subject 400
   GET /Tickets?qualifier=(clientId=42)&USER         or qualifier=(assets.assetId=42)
       200 [{"id":1001,"type":"JobTicket","shortSubject":"S","shortDetail":"D","displayClient":"Client 42"}]
-      with texts cut to 60 characters and displayClient null for an asset; another qualifier 400
+      with displayClient null for an asset; another qualifier 400
   POST /TechNotes?USER
       {"noteText":"N","jobticket":{"type":"JobTicket","id":"1001"},"workTime":"15","isHidden":false}
       201 {"id":2001,"type":"TechNote"}; unknown ticket 404; another shape 400
@@ -49,8 +48,7 @@ REST RESOURCES, under /helpdesk/rest, the same on both REST ports
       with Cookie: JSESSIONID=TEXT; wosid=KEY; vantryuser_helpdesk=NAME of one open session (else 401) and a
       multipart/form-data body of exactly one part, named "file", with a filename
       201 {"id":3001,"type":"Attachment"}; unknown tech note 404; bad upload 400. Errors: {"reason":"..."}
-  GET /
-      200, a small HTML page
+  GET /              200, a small HTML page
   Other paths: 404. Other methods on these paths: 405.
 
 CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor given planned answers
@@ -60,21 +58,18 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
   DELETE /requests   forgets them; 204
   POST /answers      plans the answer to the next request that it fits; 204, or 400 if malformed. Each is
                      used once, the oldest first. All members are optional:
-      "method", "path"   which request it fits (path: the target without its query); absent: any
+      "path"             which requests it fits (the target without its query); absent: any
       "skip"             so many requests that fit get their own answers first
-      "status", "reason", "headers", "body"
-                         the answer, with Content-Length added; status 200 and the standard reason when
-                         absent. Status 1xx, 204 and 304 have neither body nor Content-Length.
-      "raw"              base64 of the bytes to write instead
-      "steps"            instead too: [{"raw":BASE64,"waitMs":N,"times":N},...], written in this order, each
+      "status", "headers", "body"
+                         the answer; status 200 when absent. Reason phrase and Content-Length are added.
+                         Status 1xx, 204 and 304 have neither body nor Content-Length.
+      "steps"            instead: [{"raw":BASE64,"waitMs":N,"times":N},...], written in this order, each
                          "times" times (1 when absent; 0: without end, until the client goes) and each time
-                         after "waitMs"
-      "then"             with "raw" or "steps", what follows the last byte: "close" (in good order, as when
-                         absent), "drop" (close without a TLS goodbye), "reset" (the connection), "stay"
-                         (open and silent until the client goes)
-      "delayMs"          how long to wait before the answer, up to one hour like every wait
-      "closeAfter"       write so many bytes of the answer or of "raw", then drop the connection
-  DELETE /answers    forgets the planned answers; 204
+                         after "waitMs", at most one hour
+      "then"             what follows the last step: "close" (in good order, as when absent), "drop" (close
+                         without a TLS goodbye), "reset" (the connection), "stay" (open and silent until the
+                         client goes)
+      "delayMs"          how long to wait before the answer, at most one hour
   POST /connections  plans the fate of one connection to come on a REST port; 204, or 400 if malformed. The
                      oldest that fits decides; it is used once:
       "secure"           true or false: the port that it fits; absent: any
@@ -86,14 +81,14 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
                          a TLS ServerHello), each closed afterwards
       "certificate"      what the TLS port presents: "expired", "notYetValid", "otherHost", "selfSigned",
                          "unknownCa", or "other", which is another good one of the same CA
-  DELETE /connections  forgets them; 204
+  DELETE /plans      forgets the planned answers and connections; 204
   POST /reset        forgets sessions, tickets, tech notes, attachments, requests and all that is planned; 204
   GET /state         {"sessions":[{"key","cookie","user"}],
                       "tickets":[{"id","entityType","entityId","subject","detail"}],
                       "techNotes":[{"id","ticketId","noteText","workTime","isHidden"}],
                       "attachments":[{"id","techNoteId","fileName","size"}]}
   GET /attachments/ID                             an attachment's bytes
-  GET /ca.pem  /ca.der  /leaf.der  /crl.der       the certificates and the revocation list
+  GET /ca.der  /leaf.der  /crl.der                the certificates and the revocation list
 )";
 } // namespace
 
@@ -104,8 +99,6 @@ std::variant<Options, int> readOptions(const std::vector<std::string>& arguments
     app.footer(explanation);
     app.add_option("--user", options.user, "Name of the one user")->capture_default_str();
     app.add_option("--password", options.password, "The user's password")->capture_default_str();
-    app.add_option("--ca-file", options.caFile,
-                   "Where to write the certificate authority; otherwise a temporary file, removed at exit");
 
     // The command line parser would give brackets and commas in the command's arguments a meaning.
     const auto separator = std::find(arguments.begin(), arguments.end(), "--");

@@ -10,7 +10,6 @@ struct Options
 {
     std::string user = "technician";
     std::string password = "wrench";
-    std::string caFile;               ///< empty: a temporary file
     std::vector<std::string> command; ///< empty: serve until a signal comes
 };
 

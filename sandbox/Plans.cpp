@@ -34,11 +34,6 @@ public:
 
     bool has(const char* name) const { return m_order.contains(name); }
 
-    bool hasAny(std::initializer_list<const char*> names) const
-    {
-        return std::any_of(names.begin(), names.end(), [this](const char* name) { return has(name); });
-    }
-
     template <typename Value>
     std::optional<Value> get(const char* name) const
     {
@@ -53,8 +48,7 @@ public:
         }
         const Json& value = m_order[name];
         if (!value.is_number_unsigned() || value < least || value > most) {
-            refuse('"' + std::string(name) + "\" must be a whole number from " + std::to_string(least) +
-                   " to " + std::to_string(most));
+            refuse('"' + std::string(name) + "\" must be a whole number in its range");
         }
         return value;
     }
@@ -99,22 +93,20 @@ std::vector<Step> readSteps(const Json& steps)
     return list;
 }
 
-/// What "raw" or "steps" and "then" make.
+/// What "steps" and "then" make.
 std::optional<Reply> readScript(const Members& members, const Json& order)
 {
     static const std::map<std::string, Afterwards> ends{{"close", Afterwards::Close},
                                                         {"drop", Afterwards::Drop},
                                                         {"reset", Afterwards::Reset},
                                                         {"stay", Afterwards::Stay}};
-    if (!members.hasAny({"raw", "steps", "then"})) {
+    if (!members.has("steps") && !members.has("then")) {
         return std::nullopt;
     }
-    if (members.has("raw") == members.has("steps") ||
-        members.hasAny({"status", "reason", "headers", "body"}) ||
-        (members.has("closeAfter") && members.hasAny({"steps", "then"}))) {
+    if (members.has("status") || members.has("headers") || members.has("body")) {
         refuse("there are members of more than one kind of answer");
     }
-    return Reply{members.has("raw") ? std::vector{Step{members.bytes("raw")}} : readSteps(order["steps"]),
+    return Reply{readSteps(order.at("steps")),
                  members.has("then") ? members.oneOf("then", ends) : Afterwards::Close};
 }
 
@@ -156,25 +148,19 @@ const std::map<std::string, CertificateKind>& certificateKinds()
 
 PlannedAnswer readPlannedAnswer(const Json& order)
 {
-    const Members members(order, {"skip", "method", "path", "delayMs", "status", "reason", "headers", "body",
-                                  "raw", "closeAfter", "steps", "then"});
+    const Members members(order, {"skip", "path", "delayMs", "status", "headers", "body", "steps", "then"});
     PlannedAnswer planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
-    planned.method = members.get<std::string>("method");
     planned.path = members.get<std::string>("path");
     planned.delay = members.wait("delayMs");
     planned.script = readScript(members, order);
     planned.answer.status = static_cast<unsigned>(members.number("status", 100, 999, 200));
-    planned.answer.reason = members.get<std::string>("reason");
     if (members.has("headers")) {
         for (const auto& [name, value] : order["headers"].get_ref<const Json::object_t&>()) {
             planned.answer.headers.emplace_back(name, value.get<std::string>());
         }
     }
     planned.answer.body = members.get<std::string>("body").value_or("");
-    if (members.has("closeAfter")) {
-        planned.closeAfter = members.number("closeAfter", 0, anyNumber, 0);
-    }
     return planned;
 }
 

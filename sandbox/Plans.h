@@ -18,13 +18,11 @@ namespace sandbox
 /// An answer for one request to come.
 struct PlannedAnswer
 {
-    std::uint64_t skip = 0; ///< so many that fit are let through first
-    std::optional<std::string> method;
-    std::optional<std::string> path;
+    std::uint64_t skip = 0;          ///< so many that fit are let through first
+    std::optional<std::string> path; ///< of the requests that it fits
     std::chrono::milliseconds delay{0};
-    std::optional<Reply> script; ///< replaces the answer as a whole
+    std::optional<Reply> script; ///< replaces the answer
     Answer answer;
-    std::optional<std::uint64_t> closeAfter;
 };
 
 /// What happens instead of the TLS handshake and the requests of a connection.

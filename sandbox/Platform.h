@@ -2,7 +2,6 @@
 /// What differs between the systems that the sandbox runs on. All text is UTF-8.
 #pragma once
 
-#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/process/child.hpp>
 
@@ -14,13 +13,11 @@ namespace sandbox::platform
 /// Those of this process, without its name.
 std::vector<std::string> arguments(int argc, char** argv);
 
-/// Commands, and what they leave behind, do not keep the port open.
-void keepToThisProcess(boost::asio::ip::tcp::acceptor& acceptor);
-
 /// Adds what asks a program to end: signals, or the console that is closed.
 void addStopSignals(boost::asio::signal_set& signals);
 
-/// Starts a command. It is killed when the object goes, or when this process ends in any way.
+/// Starts a command, which inherits the standard streams alone: no port stays open by it. It is killed when
+/// the object goes, or when this process ends in any way.
 /// @throws boost::process::process_error if that fails
 boost::process::child start(const std::vector<std::string>& command);
 

@@ -1,22 +1,21 @@
-#include "RestService.h"
-
 #include "Multipart.h"
+#include "Routes.h"
 #include "Target.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/http/field.hpp>
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
 #include <algorithm>
-#include <charconv>
+#include <memory>
+#include <utility>
 
 namespace sandbox
 {
 namespace
 {
 namespace http = boost::beast::http;
-
-constexpr std::size_t shortTextLength = 60;
 
 void require(bool holds, unsigned status, const char* otherwise)
 {
@@ -42,39 +41,20 @@ Json readTicket(const Json& body)
     return ticket;
 }
 
-/// The first characters of a UTF-8 text.
-std::string shortened(const std::string& text)
-{
-    std::size_t characters = 0;
-    const auto end = std::find_if(text.begin(), text.end(), [&characters](char byte) {
-        const bool startsCharacter = (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-        return startsCharacter && ++characters > shortTextLength;
-    });
-    return {text.begin(), end};
-}
-
 Json toListEntry(const Json& ticket)
 {
     const bool isClients = ticket["entityType"] == "Client";
     return {{"id", ticket["id"]},
             {"type", "JobTicket"},
-            {"shortSubject", shortened(text(ticket, "subject"))},
-            {"shortDetail", shortened(text(ticket, "detail"))},
+            {"shortSubject", ticket["subject"]},
+            {"shortDetail", ticket["detail"]},
             {"displayClient", isClients ? Json("Client " + text(ticket, "entityId")) : Json()}};
 }
 
-/// Type and identifier of the entity whose tickets are wanted.
-std::pair<std::string, std::string> readQualifier(const std::string& qualifier)
+std::string qualifierOf(const Json& ticket)
 {
-    if (!qualifier.empty() && qualifier.back() == ')') {
-        for (const auto& [entityType, start] :
-             {std::pair("Client", std::string("(clientId=")), {"Asset", "(assets.assetId="}}) {
-            if (qualifier.compare(0, start.size(), start) == 0) {
-                return {entityType, qualifier.substr(start.size(), qualifier.size() - start.size() - 1)};
-            }
-        }
-    }
-    throw HttpError(400, "the qualifier must be (clientId=ID) or (assets.assetId=ID)");
+    const char* const member = ticket["entityType"] == "Client" ? "(clientId=" : "(assets.assetId=";
+    return member + text(ticket, "entityId") + ')';
 }
 
 Json readTechNote(const Json& body, const Json& ticket)
@@ -115,9 +95,12 @@ bool sendsCookieOf(const Json& session, const Request& request)
     return session["cookie"] == "JSESSIONID=" + cookie(request, "JSESSIONID");
 }
 
-const Json& recordNamed(const Json& records, std::uint64_t firstId, const std::string& id)
+const Json& recordNamed(const Json& records, const std::string& id)
 {
-    return records[positionOf(id, firstId, records.size())];
+    const auto found = std::find_if(records.begin(), records.end(),
+                                    [&id](const Json& record) { return record["id"].dump() == id; });
+    require(found != records.end(), 404, "there is no such record");
+    return *found;
 }
 
 /// Adds a record; its identifier comes first.
@@ -140,142 +123,112 @@ Answer welcome(const Request& /*request*/)
                                    "<body><h1>Vantry Sandbox</h1></body></html>\n");
 }
 
-Reply plannedReply(const PlannedAnswer& planned, const Request& request)
+class HelpDesk
 {
-    Reply reply = planned.script ? *planned.script : replyTo(request, planned.answer);
-    if (planned.closeAfter) {
-        std::string& bytes = reply.steps.front().bytes;
-        bytes.resize(std::min<std::uint64_t>(bytes.size(), *planned.closeAfter));
-        reply.afterwards = Afterwards::Drop;
+public:
+    HelpDesk(SharedState& state, std::string user, std::string password)
+        : m_state(state), m_user(std::move(user)), m_password(std::move(password))
+    {}
+
+    Answer openSession(const Request& request)
+    {
+        checkCredentials(request);
+        const std::string key = uniqueText();
+        const std::string cookie = "JSESSIONID=" + uniqueText();
+        m_state.helpDesk["sessions"].push_back({{"key", key}, {"cookie", cookie}, {"user", m_user}});
+        Answer answer = jsonAnswer(200, {{"type", "Session"}, {"sessionKey", key}});
+        answer.headers.emplace_back("Set-Cookie", cookie + "; Path=/; HttpOnly");
+        return answer;
     }
-    if (planned.delay.count() > 0) {
-        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
+
+    Answer closeSession(const Request& request)
+    {
+        Json& sessions = m_state.helpDesk["sessions"];
+        const auto session = findSession(sessions, parameter(request, "sessionKey"));
+        require(session != sessions.end(), 404, "there is no such session");
+        require(sendsCookieOf(*session, request), 401, "the cookie is not the session's");
+        sessions.erase(session);
+        return jsonAnswer(200, {{"type", "Session"}, {"closed", true}});
     }
-    return reply;
-}
+
+    Answer createTicket(const Request& request)
+    {
+        checkCredentials(request);
+        const Json ticket = readTicket(Json::parse(request.body()));
+        return created(add(m_state.helpDesk["tickets"], 1001, ticket), "JobTicket");
+    }
+
+    Answer listTickets(const Request& request) const
+    {
+        checkCredentials(request);
+        const std::string qualifier = parameter(request, "qualifier");
+        require(boost::starts_with(qualifier, "(clientId=") ||
+                    boost::starts_with(qualifier, "(assets.assetId="),
+                400, "the qualifier must be (clientId=ID) or (assets.assetId=ID)");
+        Json list = Json::array();
+        for (const Json& ticket : m_state.helpDesk["tickets"]) {
+            if (qualifierOf(ticket) == qualifier) {
+                list.push_back(toListEntry(ticket));
+            }
+        }
+        return jsonAnswer(200, list);
+    }
+
+    Answer createTechNote(const Request& request)
+    {
+        checkCredentials(request);
+        const Json body = Json::parse(request.body());
+        const Json& reference = body.at("jobticket");
+        require(text(reference, "type") == "JobTicket", 400, "a wrong type");
+        const Json& ticket = recordNamed(m_state.helpDesk["tickets"], text(reference, "id"));
+        return created(add(m_state.helpDesk["techNotes"], 2001, readTechNote(body, ticket)), "TechNote");
+    }
+
+    Answer uploadAttachment(const Request& request)
+    {
+        Json& sessions = m_state.helpDesk["sessions"];
+        const auto session = findSession(sessions, cookie(request, "wosid"));
+        require(session != sessions.end() && sendsCookieOf(*session, request) &&
+                    (*session)["user"] == cookie(request, "vantryuser_helpdesk"),
+                401, "the cookies name no open session");
+        require(parameter(request, "type") == "TechNote", 400, "only a TechNote takes attachments");
+        const Json& note = recordNamed(m_state.helpDesk["techNotes"], parameter(request, "entityId"));
+        const UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());
+        const auto id =
+            add(m_state.helpDesk["attachments"], 3001,
+                {{"techNoteId", note["id"]}, {"fileName", file.fileName}, {"size", file.content.size()}});
+        m_state.attachments[std::to_string(id)] = {m_state.requests.back(), file.content}; // this request
+        return created(id, "Attachment");
+    }
+
+private:
+    void checkCredentials(const Request& request) const
+    {
+        require(parameter(request, "username") == m_user && parameter(request, "password") == m_password, 401,
+                "the user name or the password is wrong");
+    }
+
+    SharedState& m_state;
+    std::string m_user;
+    std::string m_password;
+};
 } // namespace
 
-std::size_t positionOf(std::string_view id, std::uint64_t firstId, std::size_t count)
+std::vector<Route> restRoutes(SharedState& state, const std::string& user, const std::string& password)
 {
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
-    require(error == std::errc() && end == id.data() + id.size() && number >= firstId &&
-                number - firstId < count,
-            404, "there is no such record");
-    return number - firstId;
-}
-
-RestService::RestService(SharedState& state, std::string user, std::string password)
-    : m_state(state), m_user(std::move(user)), m_password(std::move(password))
-{
-    const auto member = [this](auto handle) {
-        return [this, handle](const Request& request) { return (this->*handle)(request); };
+    const auto helpDesk = std::make_shared<HelpDesk>(state, user, password);
+    const auto member = [helpDesk](auto handle) {
+        return [helpDesk, handle](const Request& request) { return ((*helpDesk).*handle)(request); };
     };
     const std::string base = restBase;
-    m_routes = {
+    return {
         {http::verb::get, "/", welcome},
-        {http::verb::get, base + "/Session", member(&RestService::openSession)},
-        {http::verb::delete_, base + "/Session", member(&RestService::closeSession)},
-        {http::verb::post, base + "/Tickets", member(&RestService::createTicket)},
-        {http::verb::get, base + "/Tickets", member(&RestService::listTickets)},
-        {http::verb::post, base + "/TechNotes", member(&RestService::createTechNote)},
-        {http::verb::post, "/helpdesk/attachment/upload", member(&RestService::uploadAttachment), "reason"},
+        {http::verb::get, base + "/Session", member(&HelpDesk::openSession)},
+        {http::verb::delete_, base + "/Session", member(&HelpDesk::closeSession)},
+        {http::verb::post, base + "/Tickets", member(&HelpDesk::createTicket)},
+        {http::verb::get, base + "/Tickets", member(&HelpDesk::listTickets)},
+        {http::verb::post, base + "/TechNotes", member(&HelpDesk::createTechNote)},
+        {http::verb::post, "/helpdesk/attachment/upload", member(&HelpDesk::uploadAttachment), "reason"},
     };
-}
-
-std::optional<PlannedConnection> RestService::accepted(bool secure)
-{
-    return m_state.plannedConnections.take(
-        [secure](const PlannedConnection& planned) { return planned.secure.value_or(secure) == secure; });
-}
-
-void RestService::received(const std::shared_ptr<const ReceivedRequest>& request)
-{
-    m_state.requests.push_back(request);
-}
-
-Reply RestService::reply(const Request& request)
-{
-    const auto planned = m_state.plannedAnswers.take([&request](const PlannedAnswer& answer) {
-        return (!answer.method || *answer.method == view(request.method_string())) &&
-               (!answer.path || *answer.path == pathOf(view(request.target())));
-    });
-    return planned ? plannedReply(*planned, request) : Service::reply(request);
-}
-
-void RestService::checkCredentials(const Request& request) const
-{
-    require(parameter(request, "username") == m_user && parameter(request, "password") == m_password, 401,
-            "the user name or the password is wrong");
-}
-
-Answer RestService::openSession(const Request& request)
-{
-    checkCredentials(request);
-    const std::string key = uniqueText();
-    const std::string cookie = "JSESSIONID=" + uniqueText();
-    m_state.helpDesk["sessions"].push_back({{"key", key}, {"cookie", cookie}, {"user", m_user}});
-    Answer answer = jsonAnswer(200, {{"type", "Session"}, {"sessionKey", key}});
-    answer.headers.emplace_back("Set-Cookie", cookie + "; Path=/; HttpOnly");
-    return answer;
-}
-
-Answer RestService::closeSession(const Request& request)
-{
-    Json& sessions = m_state.helpDesk["sessions"];
-    const auto session = findSession(sessions, parameter(request, "sessionKey"));
-    require(session != sessions.end(), 404, "there is no such session");
-    require(sendsCookieOf(*session, request), 401, "the cookie is not the session's");
-    sessions.erase(session);
-    return jsonAnswer(200, {{"type", "Session"}, {"closed", true}});
-}
-
-Answer RestService::createTicket(const Request& request)
-{
-    checkCredentials(request);
-    const Json ticket = readTicket(Json::parse(request.body()));
-    return created(add(m_state.helpDesk["tickets"], firstTicketId, ticket), "JobTicket");
-}
-
-Answer RestService::listTickets(const Request& request) const
-{
-    checkCredentials(request);
-    const auto [entityType, entityId] = readQualifier(parameter(request, "qualifier"));
-    Json list = Json::array();
-    for (const Json& ticket : m_state.helpDesk["tickets"]) {
-        if (ticket["entityType"] == entityType && ticket["entityId"] == entityId) {
-            list.push_back(toListEntry(ticket));
-        }
-    }
-    return jsonAnswer(200, list);
-}
-
-Answer RestService::createTechNote(const Request& request)
-{
-    checkCredentials(request);
-    const Json body = Json::parse(request.body());
-    const Json& reference = body.at("jobticket");
-    require(text(reference, "type") == "JobTicket", 400, "a wrong type");
-    const Json& ticket = recordNamed(m_state.helpDesk["tickets"], firstTicketId, text(reference, "id"));
-    return created(add(m_state.helpDesk["techNotes"], firstTechNoteId, readTechNote(body, ticket)),
-                   "TechNote");
-}
-
-Answer RestService::uploadAttachment(const Request& request)
-{
-    Json& sessions = m_state.helpDesk["sessions"];
-    const auto session = findSession(sessions, cookie(request, "wosid"));
-    require(session != sessions.end() && sendsCookieOf(*session, request) &&
-                (*session)["user"] == cookie(request, "vantryuser_helpdesk"),
-            401, "the cookies name no open session");
-    require(parameter(request, "type") == "TechNote", 400, "only a TechNote takes attachments");
-    const Json& note =
-        recordNamed(m_state.helpDesk["techNotes"], firstTechNoteId, parameter(request, "entityId"));
-    const UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());
-    m_state.attachments.push_back({m_state.requests.back(), file.content}); // the last request is this one
-    return created(
-        add(m_state.helpDesk["attachments"], firstAttachmentId,
-            {{"techNoteId", note["id"]}, {"fileName", file.fileName}, {"size", file.content.size()}}),
-        "Attachment");
 }
 } // namespace sandbox

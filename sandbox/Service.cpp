@@ -2,6 +2,8 @@
 
 #include "Target.h"
 
+#include <utility>
+
 namespace sandbox
 {
 namespace
@@ -17,7 +19,7 @@ Answer answerBy(const Route& route, const Request& request)
     try {
         return route.handle(request);
     } catch (const HttpError& error) {
-        return errorAnswer(error.status(), error.what(), route.errorMember);
+        return errorAnswer(error.status, error.what(), route.errorMember);
     } catch (const Json::exception& error) {
         return errorAnswer(400, error.what(), route.errorMember);
     }
@@ -37,17 +39,45 @@ Answer answerByRoute(const std::vector<Route>& routes, const Request& request)
     return isPathKnown ? errorAnswer(405, "this method is not allowed here")
                        : errorAnswer(404, "there is nothing at this path");
 }
+
+Reply plannedReply(const PlannedAnswer& planned, const Request& request)
+{
+    Reply reply = planned.script ? *planned.script : replyTo(request, planned.answer);
+    if (planned.delay.count() > 0) {
+        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
+    }
+    return reply;
+}
 } // namespace
 
-std::optional<PlannedConnection> Service::accepted(bool /*secure*/)
+Service::Service(std::vector<Route> routes, SharedState* state) : m_routes(std::move(routes)), m_state(state)
+{}
+
+std::optional<PlannedConnection> Service::accepted(bool secure)
 {
-    return std::nullopt;
+    if (m_state == nullptr) {
+        return std::nullopt;
+    }
+    return m_state->plannedConnections.take(
+        [secure](const PlannedConnection& planned) { return planned.secure.value_or(secure) == secure; });
 }
 
-void Service::received(const std::shared_ptr<const ReceivedRequest>& /*request*/) {}
+void Service::received(const std::shared_ptr<const ReceivedRequest>& request)
+{
+    if (m_state != nullptr) {
+        m_state->requests.push_back(request);
+    }
+}
 
 Reply Service::reply(const Request& request)
 {
+    if (m_state != nullptr) {
+        const auto path = pathOf(view(request.target()));
+        if (const auto planned = m_state->plannedAnswers.take(
+                [path](const PlannedAnswer& answer) { return !answer.path || *answer.path == path; })) {
+            return plannedReply(*planned, request);
+        }
+    }
     return replyTo(request, answerByRoute(m_routes, request));
 }
 } // namespace sandbox

@@ -4,15 +4,14 @@
 #include <boost/process/exe.hpp>
 #include <boost/process/extend.hpp>
 
-#include <fcntl.h>
+#include <linux/close_range.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <iterator>
-#include <system_error>
 
 namespace sandbox::platform
 {
@@ -22,7 +21,7 @@ namespace process = boost::process;
 
 constexpr int exitBySignal = 128;
 
-/// Ties a command to the life of this process.
+/// Ties a command to the life of this process and keeps what is open from it.
 struct Leash : process::extend::handler
 {
     pid_t parent = getpid();
@@ -40,6 +39,9 @@ struct Leash : process::extend::handler
         if (getppid() != parent) {
             _exit(exitBySignal + SIGKILL); // the parent died before the line above could take effect
         }
+        if (close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC) != 0) {
+            _exit(EXIT_FAILURE);
+        }
     }
 };
 } // namespace
@@ -47,13 +49,6 @@ struct Leash : process::extend::handler
 std::vector<std::string> arguments(int argc, char** argv)
 {
     return {argv + 1, argv + argc};
-}
-
-void keepToThisProcess(boost::asio::ip::tcp::acceptor& acceptor)
-{
-    if (fcntl(acceptor.native_handle(), F_SETFD, FD_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot keep a port to this process");
-    }
 }
 
 void addStopSignals(boost::asio::signal_set& signals)

@@ -90,9 +90,6 @@ std::vector<std::string> arguments(int /*argc*/, char** /*argv*/)
     return list;
 }
 
-/// Commands inherit nothing but the standard handles.
-void keepToThisProcess(boost::asio::ip::tcp::acceptor& /*acceptor*/) {}
-
 void addStopSignals(boost::asio::signal_set& signals)
 {
     for (const int number : {SIGINT, SIGTERM, SIGBREAK}) {

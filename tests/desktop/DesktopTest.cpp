@@ -207,10 +207,10 @@ TEST_F(Desktop, AServerThatIsGoneIsToldAndTheSessionCanBeGivenUp)
 {
     startOnHttp();
     openSession();
-    sandbox.plan(Answer(200).to("/helpdesk/rest/Tickets").cutAfter(3));
+    sandbox.plan(Answer::bytes("HTT").to("/helpdesk/rest/Tickets"));
     host->window().click(IDC_SHOW_TICKETS);
     EXPECT_NE(nextMessage().find("Status 600: "), std::string::npos);
-    sandbox.plan(Answer(200).to("/helpdesk/rest/Session").cutAfter(3));
+    sandbox.plan(Answer::bytes("HTT").to("/helpdesk/rest/Session"));
     host->window().click(IDC_CLOSE_SESSION);
     EXPECT_NE(nextMessage().find("Status 600: "), std::string::npos);
     host->window().enter(IDC_ENDPOINT, L"http://127.0.0.1:1/helpdesk/rest"); // where nobody listens

@@ -82,12 +82,6 @@ Answer& Answer::after(int milliseconds)
     return *this;
 }
 
-Answer& Answer::cutAfter(int bytes)
-{
-    m_plan["closeAfter"] = bytes;
-    return *this;
-}
-
 Answer Answer::bytes(const std::string& raw)
 {
     return script({{raw}}, "close");
@@ -157,8 +151,7 @@ void Sandbox::planConnection(const json& fate) const
 
 void Sandbox::forgetPlans() const
 {
-    control(web::http::methods::DEL, "/answers");
-    control(web::http::methods::DEL, "/connections");
+    control(web::http::methods::DEL, "/plans");
 }
 
 void Sandbox::reset() const

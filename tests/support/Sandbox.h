@@ -32,7 +32,6 @@ public:
     Answer& to(const std::string& path); ///< only for requests of this path
     Answer& header(const std::string& name, const std::string& value);
     Answer& after(int milliseconds);
-    Answer& cutAfter(int bytes);
 
     /// Exactly these bytes.
     static Answer bytes(const std::string& raw);

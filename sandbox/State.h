@@ -1,0 +1,43 @@
+/// @file
+/// What all ports share. They are served by one thread, so it needs no lock.
+#pragma once
+
+#include "Http.h"
+#include "Plans.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sandbox
+{
+struct ReceivedRequest
+{
+    bool secure;
+    std::string head;     ///< its bytes; all bytes of what is no HTTP request
+    Request request = {}; ///< empty for what is no HTTP request
+};
+
+/// An uploaded file's bytes, which stand in its request.
+struct Attachment
+{
+    std::shared_ptr<const ReceivedRequest> request;
+    std::string_view content;
+};
+
+/// What the REST ports do and the control interface steers and shows.
+struct SharedState
+{
+    /// The records as they are shown, identifiers in the order of time.
+    Json helpDesk = {{"sessions", Json::array()},
+                     {"tickets", Json::array()},
+                     {"techNotes", Json::array()},
+                     {"attachments", Json::array()}};
+    std::map<std::string, Attachment> attachments; ///< by their identifiers
+    std::vector<std::shared_ptr<const ReceivedRequest>> requests;
+    Plans<PlannedAnswer> plannedAnswers;
+    Plans<PlannedConnection> plannedConnections;
+};
+} // namespace sandbox
