@@ -115,7 +115,7 @@ std::map<std::wstring, std::function<void()>> callsOf(const json& row)
 
 std::vector<Fault> readCatalogue()
 {
-    std::ifstream file(VANTRY_FAULTS);
+    std::ifstream file("tests/faults/faults.json");
     std::vector<Fault> faults;
     for (const auto& section : json::parse(file)) {
         for (const auto& row : section["faults"]) {
