@@ -21,8 +21,7 @@ const wchar_t* meaning(std::int32_t status)
         return L"The server has refused the file.";
     case 600:
         return L"The server cannot be reached, or Windows does not accept its certificate. Check the "
-               L"endpoint and "
-               L"the network; the log below tells more.";
+               L"endpoint and the network; the log below tells more.";
     case 601:
         return L"The server's certificate was not trusted. Nothing was sent to the server.";
     default:
