@@ -81,6 +81,39 @@ void HostWindow::click(int id) const
     PostMessageW(usableControl(id), BM_CLICK, 0, 0);
 }
 
+void HostWindow::closeBy(int id) const
+{
+    click(id);
+    waitUntil("the window to go", [this] { return !exists(); });
+}
+
+Process::Process(std::wstring commandLine, bool inherits)
+{
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, inherits ? TRUE : FALSE, 0, nullptr,
+                       nullptr, &startup, &m_information) == FALSE) {
+        throw std::runtime_error("cannot start a process: error " + std::to_string(GetLastError()));
+    }
+    CloseHandle(m_information.hThread);
+}
+
+Process::~Process()
+{
+    TerminateProcess(handle(), 99);
+    CloseHandle(handle());
+}
+
+DWORD Process::exitCode() const
+{
+    DWORD code = STILL_ACTIVE;
+    waitUntil("the end of the program", [&] {
+        GetExitCodeProcess(handle(), &code);
+        return code != STILL_ACTIVE;
+    });
+    return code;
+}
+
 /// Memory of the host's process, which messages about its lists have to point to.
 struct DesktopHost::RemoteMemory
 {
@@ -111,27 +144,12 @@ struct DesktopHost::RemoteMemory
 };
 
 DesktopHost::DesktopHost(const std::wstring& arguments)
+    : m_process(L"\"" + program().native() + L"\" " + arguments, false)
 {
-    std::wstring commandLine = L"\"" + program().native() + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                       &process) == FALSE) {
-        throw std::runtime_error("cannot start the desktop host: error " + std::to_string(GetLastError()));
-    }
-    CloseHandle(process.hThread);
-    m_process.reset(process.hProcess);
-    m_processId = process.dwProcessId;
     waitUntil("the main window", [this] {
         m_window = HostWindow(findWindow(L"VantryDesktopHost"));
         return m_window.exists();
     });
-}
-
-DesktopHost::~DesktopHost()
-{
-    TerminateProcess(m_process.get(), 99);
 }
 
 /// The visible top-level window of that class in the host's process.
@@ -141,7 +159,7 @@ HWND DesktopHost::findWindow(const wchar_t* className) const
     while ((window = FindWindowExW(nullptr, window, className, nullptr)) != nullptr) {
         DWORD owner = 0;
         GetWindowThreadProcessId(window, &owner);
-        if (owner == m_processId && IsWindowVisible(window) != FALSE) {
+        if (owner == m_process.id() && IsWindowVisible(window) != FALSE) {
             return window;
         }
     }
@@ -173,7 +191,7 @@ std::vector<std::vector<std::wstring>> DesktopHost::tickets() const
         LVITEMW item;
         std::array<wchar_t, 300> text;
     } query{};
-    const RemoteMemory memory(m_process.get(), sizeof query);
+    const RemoteMemory memory(m_process.handle(), sizeof query);
     std::vector<std::vector<std::wstring>> rows(
         static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
     for (std::size_t row = 0; row < rows.size(); ++row) {
@@ -219,17 +237,7 @@ void DesktopHost::drop(const std::vector<std::filesystem::path>& files) const
     header.fWide = TRUE;
     std::memcpy(data.data(), &header, sizeof header);
     std::memcpy(data.data() + sizeof header, names.data(), names.size() * sizeof(wchar_t));
-    void* const memory = VirtualAllocEx(m_process.get(), nullptr, data.size(), MEM_COMMIT, PAGE_READWRITE);
-    WriteProcessMemory(m_process.get(), memory, data.data(), data.size(), nullptr);
+    void* const memory = VirtualAllocEx(m_process.handle(), nullptr, data.size(), MEM_COMMIT, PAGE_READWRITE);
+    WriteProcessMemory(m_process.handle(), memory, data.data(), data.size(), nullptr);
     PostMessageW(m_window.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
-}
-
-DWORD DesktopHost::exitCode() const
-{
-    DWORD code = STILL_ACTIVE;
-    waitUntil("the end of the program", [&] {
-        GetExitCodeProcess(m_process.get(), &code);
-        return code != STILL_ACTIVE;
-    });
-    return code;
 }

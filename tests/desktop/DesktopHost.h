@@ -7,8 +7,6 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +27,8 @@ public:
 
     void enter(int id, const std::wstring& text) const;
     void click(int id) const;
+    /// Clicks, and waits for the window to go.
+    void closeBy(int id) const;
     void close() const { PostMessageW(m_window, WM_CLOSE, 0, 0); }
 
 private:
@@ -37,17 +37,33 @@ private:
     HWND m_window;
 };
 
+/// A process, which is ended with this object if it is still there.
+class Process
+{
+public:
+    /// @param inherits whether it writes where this process does
+    Process(std::wstring commandLine, bool inherits);
+    ~Process();
+    Process(const Process&) = delete;
+    Process(Process&&) = delete;
+    Process& operator=(const Process&) = delete;
+    Process& operator=(Process&&) = delete;
+
+    HANDLE handle() const { return m_information.hProcess; }
+    DWORD id() const { return m_information.dwProcessId; }
+
+    /// Waits for its end.
+    DWORD exitCode() const;
+
+private:
+    PROCESS_INFORMATION m_information{};
+};
+
 class DesktopHost
 {
 public:
     /// Starts the program that lies beside this one and waits for its window.
     explicit DesktopHost(const std::wstring& arguments);
-    /// Ends the process if it is still there.
-    ~DesktopHost();
-    DesktopHost(const DesktopHost&) = delete;
-    DesktopHost(DesktopHost&&) = delete;
-    DesktopHost& operator=(const DesktopHost&) = delete;
-    DesktopHost& operator=(DesktopHost&&) = delete;
 
     const HostWindow& window() const { return m_window; }
 
@@ -67,19 +83,13 @@ public:
     int focus() const;
     void drop(const std::vector<std::filesystem::path>& files) const;
 
-    /// Waits for the end of the process.
-    DWORD exitCode() const;
+    DWORD exitCode() const { return m_process.exitCode(); }
 
 private:
-    struct CloseHandleOf
-    {
-        void operator()(void* handle) const { CloseHandle(handle); }
-    };
     struct RemoteMemory;
 
     HWND findWindow(const wchar_t* className) const;
 
-    std::unique_ptr<void, CloseHandleOf> m_process;
-    DWORD m_processId = 0;
+    Process m_process;
     HostWindow m_window;
 };

@@ -11,6 +11,7 @@
 #include <wincrypt.h>
 
 #include <fstream>
+#include <optional>
 
 namespace
 {
@@ -55,8 +56,7 @@ protected:
         EXPECT_FALSE(dialog.isEnabled(IDOK)) << "a ticket needs a subject";
         dialog.enter(IDC_TICKET_SUBJECT, subject);
         dialog.enter(IDC_TICKET_DETAIL, L"It blinks.\r\nTwice.");
-        dialog.click(IDOK);
-        waitForEndOf(dialog);
+        dialog.closeBy(IDOK);
     }
 
     void addNote(const std::wstring& text)
@@ -66,13 +66,7 @@ protected:
         dialog.enter(IDC_NOTE_TEXT, text);
         dialog.enter(IDC_WORK_TIME, L"25");
         dialog.click(IDC_VISIBLE);
-        dialog.click(IDOK);
-        waitForEndOf(dialog);
-    }
-
-    static void waitForEndOf(const HostWindow& dialog)
-    {
-        waitUntil("the dialog to go", [&] { return !dialog.exists(); });
+        dialog.closeBy(IDOK);
     }
 
     /// What the next message tells, which is then closed.
@@ -80,18 +74,12 @@ protected:
     {
         const auto dialog = host->dialog();
         const auto text = narrow(dialog.text(messageText));
-        dialog.click(IDOK);
-        waitForEndOf(dialog);
+        dialog.closeBy(IDOK);
         return text;
     }
 
     /// The next dialog is the question about the certificate.
-    void answerCertificate(int button)
-    {
-        const auto dialog = host->dialog();
-        dialog.click(button);
-        waitForEndOf(dialog);
-    }
+    void answerCertificate(int button) { host->dialog().closeBy(button); }
 
     std::filesystem::path makeFile(const std::wstring& name, const std::string& content) const
     {

@@ -28,8 +28,7 @@ void createTicket(const DesktopHost& host, const std::wstring& subject, const st
     const auto dialog = host.dialog();
     dialog.enter(IDC_TICKET_SUBJECT, subject);
     dialog.enter(IDC_TICKET_DETAIL, detail);
-    dialog.click(IDOK);
-    waitUntil("the dialog to go", [&] { return !dialog.exists(); });
+    dialog.closeBy(IDOK);
 }
 
 void showJob(const Sandbox& sandbox)

@@ -6,24 +6,9 @@
 
 #include <exception>
 #include <iostream>
-#include <stdexcept>
 
 namespace
 {
-HANDLE startTryIt()
-{
-    std::wstring commandLine = L"cmd /c try-it.cmd";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
-    if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                       &process) == FALSE) {
-        throw std::runtime_error("cannot start try-it.cmd: error " + std::to_string(GetLastError()));
-    }
-    CloseHandle(process.hThread);
-    return process.hProcess;
-}
-
 void openAndCloseSession()
 {
     HostWindow window;
@@ -38,24 +23,14 @@ void openAndCloseSession()
     waitUntil("the end of the session", [&] { return !window.isEnabled(IDC_CLOSE_SESSION); });
     window.close();
 }
-
-DWORD exitCode(HANDLE process)
-{
-    DWORD code = STILL_ACTIVE;
-    waitUntil("the end of try-it.cmd", [&] {
-        GetExitCodeProcess(process, &code);
-        return code != STILL_ACTIVE;
-    });
-    return code;
-}
 } // namespace
 
 int main()
 {
     try {
-        HANDLE const tryIt = startTryIt();
+        const Process tryIt(L"cmd /c try-it.cmd", true);
         openAndCloseSession();
-        return static_cast<int>(exitCode(tryIt));
+        return static_cast<int>(tryIt.exitCode());
     } catch (const std::exception& error) {
         std::cerr << "vantry-use-try-it: " << error.what() << '\n';
         return 1;
