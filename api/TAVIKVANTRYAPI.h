@@ -174,7 +174,7 @@ VANTRY_API const std::vector<TicketListEntry>& GetTicketList();
 VANTRY_API void SaveTechNote(const TechNote& techNote);
 
 /// Uploads a file to the tech note saved last, within the session opened last (success: 201; 417: the server
-/// named a reason against it in an answer of 200). The content is held in memory several times over.
+/// named a reason against it in an answer of 200). The content is sent from where it lies.
 /// @param attachment copied before the call returns, if a window is set
 /// @throws std::system_error if the operation's thread cannot be started
 VANTRY_API void SaveAttachment(const Attachment& attachment);

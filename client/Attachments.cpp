@@ -1,12 +1,13 @@
 #include "CompletionSignal.h"
 #include "Dispatch.h"
 #include "GuardedCall.h"
+#include "PieceStream.h"
 #include "RestText.h"
 #include "Utils.h"
 #include "VantryApi.h"
 
 #include <ctime>
-#include <sstream>
+#include <string>
 
 using Platform::toAnsi;
 using Platform::toRestText;
@@ -15,21 +16,24 @@ using web::http::status_codes;
 
 namespace
 {
-std::string multipartBody(const std::wstring& boundary, const Attachment& attachment)
+/// What stands around the file's content in the multipart body.
+struct Multipart
 {
-    const auto token = toAnsi(boundary);
-    std::ostringstream body;
-    body << "\r\n"
-         << "--===" << token << "===\r\n"
-         << R"(Content-Disposition: form-data; name="file"; filename=")" << toAnsi(attachment.fileName)
-         << "\"\r\n"
-         << "Content-Type: null\r\n"
-         << "Content-Transfer-Encoding: binary\r\n"
-         << "\r\n"
-         << attachment.data << "\r\n"
-         << "--===" << token << "===--\r\n";
-    return body.str();
-}
+    Multipart(const std::wstring& boundary, const std::wstring& fileName)
+    {
+        const auto delimiter = "\r\n--===" + toAnsi(boundary) + "===";
+        head = delimiter + "\r\nContent-Disposition: form-data; name=\"file\"; filename=\"" +
+               toAnsi(fileName) +
+               "\"\r\n"
+               "Content-Type: null\r\n"
+               "Content-Transfer-Encoding: binary\r\n"
+               "\r\n";
+        tail = delimiter + "--\r\n";
+    }
+
+    std::string head;
+    std::string tail;
+};
 } // namespace
 
 namespace VantryIntegrationApi
@@ -84,11 +88,12 @@ ResponseStatus CVantryApi::unsafe_sendRequest_UploadAttachment(const web::uri& r
 
     const auto boundary = std::to_wstring(std::time(nullptr));
     headers.set_content_type(U("multipart/form-data; boundary====") + toRestText(boundary) + U("==="));
-    auto body = multipartBody(boundary, attachment);
-    const auto length = body.size();
+    const Multipart around(boundary, attachment.fileName);
+    const auto length = around.head.size() + attachment.data.size() + around.tail.size();
     LUMO_INFO(L"Content Length is: " << length);
-    request.set_body(std::move(body), "text/plain; charset=utf-8"); // keeps the content type set above
-    headers.set_content_length(length);
+    // Sent from where it lies: a file may be large. Keeps the content type set above.
+    const PieceStream body({around.head, attachment.data, around.tail});
+    request.set_body(body.stream(), length, U("text/plain; charset=utf-8"));
 
     const auto base = Utils::baseAddress(web::uri(toRestText(m_endPoint))) + L"/helpdesk";
     LUMO_INFO(L"Setting the end point for uploading attachment: " << base);

@@ -1,0 +1,143 @@
+#include "PieceStream.h"
+
+#include <numeric>
+
+namespace streams = concurrency::streams;
+
+namespace
+{
+using Byte = std::uint8_t;
+
+/// What the REST SDK asks of a stream buffer; the half of it that writes is refused.
+class PieceBuffer : public streams::details::streambuf_state_manager<Byte>
+{
+public:
+    explicit PieceBuffer(std::vector<std::string_view> pieces)
+        : streambuf_state_manager(std::ios_base::in), m_pieces(std::move(pieces)),
+          m_size(std::accumulate(m_pieces.begin(), m_pieces.end(), std::size_t{0},
+                                 [](auto sum, const auto& piece) { return sum + piece.size(); }))
+    {}
+
+    bool can_seek() const override { return true; }
+    bool has_size() const override { return true; }
+    utility::size64_t size() const override { return m_size; }
+    std::size_t buffer_size(std::ios_base::openmode /*mode*/) const override { return 0; }
+    void set_buffer_size(std::size_t /*size*/, std::ios_base::openmode /*mode*/) override {}
+    std::size_t in_avail() const override { return m_size - m_position; }
+
+    pos_type getpos(std::ios_base::openmode /*mode*/) const override
+    {
+        return static_cast<off_type>(m_position);
+    }
+
+    pos_type seekpos(pos_type position, std::ios_base::openmode /*mode*/) override
+    {
+        if (position < pos_type(0) || position > pos_type(static_cast<off_type>(m_size))) {
+            return traits::eof();
+        }
+        m_position = static_cast<std::size_t>(static_cast<off_type>(position));
+        return position;
+    }
+
+    pos_type seekoff(off_type offset, std::ios_base::seekdir way, std::ios_base::openmode mode) override
+    {
+        const auto from = way == std::ios_base::beg ? 0 : way == std::ios_base::cur ? m_position : m_size;
+        return seekpos(static_cast<off_type>(from) + offset, mode);
+    }
+
+    bool acquire(Byte*& bytes, std::size_t& count) override
+    {
+        if (!can_read()) {
+            return false;
+        }
+        const auto rest = restOfPiece(m_position);
+        // The SDK only reads what it acquires to send.
+        bytes = reinterpret_cast<Byte*>(const_cast<char*>(rest.data()));
+        count = rest.size();
+        return true;
+    }
+
+    void release(Byte* /*bytes*/, std::size_t count) override { m_position += count; }
+
+protected:
+    pplx::task<std::size_t> _getn(Byte* bytes, std::size_t count) override
+    {
+        const auto copied = _scopy(bytes, count);
+        m_position += copied;
+        return pplx::task_from_result(copied);
+    }
+
+    std::size_t _scopy(Byte* bytes, std::size_t count) override
+    {
+        std::size_t copied = 0;
+        while (copied < count && m_position + copied < m_size) {
+            const auto rest = restOfPiece(m_position + copied);
+            copied += rest.copy(reinterpret_cast<char*>(bytes + copied), count - copied);
+        }
+        return copied;
+    }
+
+    int_type _sgetc() override { return m_position < m_size ? byteAt(m_position) : traits::eof(); }
+    int_type _sbumpc() override { return m_position < m_size ? byteAt(m_position++) : traits::eof(); }
+    pplx::task<int_type> _getc() override { return pplx::task_from_result(_sgetc()); }
+    pplx::task<int_type> _bumpc() override { return pplx::task_from_result(_sbumpc()); }
+
+    pplx::task<int_type> _nextc() override
+    {
+        _sbumpc();
+        return _getc();
+    }
+
+    pplx::task<int_type> _ungetc() override
+    {
+        if (m_position == 0) {
+            return pplx::task_from_result<int_type>(traits::eof());
+        }
+        --m_position;
+        return _getc();
+    }
+
+    pplx::task<int_type> _putc(Byte /*byte*/) override
+    {
+        return pplx::task_from_result<int_type>(traits::eof());
+    }
+    pplx::task<std::size_t> _putn(const Byte* /*bytes*/, std::size_t /*count*/) override
+    {
+        return pplx::task_from_result<std::size_t>(0);
+    }
+    pplx::task<bool> _sync() override { return pplx::task_from_result(true); }
+    Byte* _alloc(std::size_t /*count*/) override { return nullptr; }
+    void _commit(std::size_t /*count*/) override {}
+
+private:
+    /// From `position` to the end of the piece that it is in; empty at the end of the last one.
+    std::string_view restOfPiece(std::size_t position) const
+    {
+        for (const auto& piece : m_pieces) {
+            if (position < piece.size()) {
+                return piece.substr(position);
+            }
+            position -= piece.size();
+        }
+        return {};
+    }
+
+    int_type byteAt(std::size_t position) const { return static_cast<Byte>(restOfPiece(position).front()); }
+
+    std::vector<std::string_view> m_pieces;
+    std::size_t m_size;
+    std::size_t m_position = 0;
+};
+} // namespace
+
+namespace VantryIntegrationApi
+{
+PieceStream::PieceStream(std::vector<std::string_view> pieces)
+    : m_buffer(std::make_shared<PieceBuffer>(std::move(pieces)))
+{}
+
+PieceStream::~PieceStream()
+{
+    m_buffer.close(std::ios_base::in); // a request that has failed may still hold it
+}
+} // namespace VantryIntegrationApi
