@@ -45,10 +45,14 @@ bool isUtf8Text(const utility::string_t& contentType)
            boost::iequals(parametersOf(contentType), U("charset=utf-8"));
 }
 
-/// The body as it came, whatever its content type.
-pplx::task<std::string> bodyBytes(const http_response& response)
+/// The body as it came, whatever its content type, once it is there. Not a task of a string: tasks copy their
+/// results each time they hand them on.
+std::string bodyBytes(const http_response& complete)
 {
-    return response.extract_utf8string(true);
+    auto body = complete.body().streambuf();
+    std::string bytes(body.in_avail(), '\0');
+    body.getn(reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()).wait();
+    return bytes;
 }
 
 JsonAnswer shared(json::value&& value)
@@ -63,14 +67,15 @@ pplx::task<JsonAnswer> extractJson(http_response& response, const utility::strin
     if (!isUtf8Json(contentType)) {
         return response.extract_json().then([](json::value value) { return shared(std::move(value)); });
     }
-    return bodyBytes(response).then([](std::string bytes) {
-        return shared(bytes.empty() ? json::value() : json::value::parse(restTextOfUtf8(std::move(bytes))));
+    return response.content_ready().then([](const http_response& complete) {
+        const auto text = restTextOfUtf8(bodyBytes(complete));
+        return shared(text.empty() ? json::value() : json::value::parse(text));
     });
 }
 
 utility::string_t extractText(http_response& response, const utility::string_t& contentType)
 {
-    return isUtf8Text(contentType) ? restTextOfUtf8(bodyBytes(response).get())
+    return isUtf8Text(contentType) ? restTextOfUtf8(bodyBytes(response.content_ready().get()))
                                    : response.extract_string().get();
 }
 
@@ -127,7 +132,11 @@ pplx::task<JsonAnswer> handleResponse(http_response& response)
 const json::value& member(const json::value& object, const utility::char_t* name)
 {
     static const json::value none;
-    return object.is_object() && object.has_field(name) ? object.at(name) : none;
+    if (!object.is_object()) {
+        return none;
+    }
+    const auto found = object.as_object().find(name);
+    return found == object.as_object().end() ? none : found->second;
 }
 
 std::wstring jsonText(const json::value& value)

@@ -23,7 +23,7 @@ json::value noteBody(const TechNote& techNote)
 
     auto body = json::value::object();
     body[U("noteText")] = json::value::string(toRestText(techNote.noteText));
-    body[U("jobticket")] = ticket;
+    body[U("jobticket")] = std::move(ticket);
     body[U("workTime")] = json::value::string(toRestText(std::to_wstring(techNote.workTime)));
     body[U("isHidden")] = json::value::boolean(!techNote.isVisible);
     return body;
