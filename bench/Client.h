@@ -1,0 +1,86 @@
+/// @file
+/// What is measured: the operations of a host, done in different ways with the same requests and the same
+/// results.
+#pragma once
+
+#include <TAVIKVANTRYAPI.h>
+#include <cpprest/json.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Bench
+{
+class Client
+{
+public:
+    Client() = default;
+    virtual ~Client() = default;
+    Client(const Client&) = delete;
+    Client(Client&&) = delete;
+    Client& operator=(const Client&) = delete;
+    Client& operator=(Client&&) = delete;
+
+    /// `server`: scheme, host and port. Over https every operation probes the server's certificate first.
+    virtual void use(const std::string& server) = 0;
+
+    // Each throws if the server does not answer as it should.
+    virtual void saveNote(const TechNote& note) = 0;
+    virtual void listTickets(std::size_t count) = 0;
+    virtual void upload(const Attachment& file) = 0;
+
+    /// What a host has ready before it uploads; not part of what is measured.
+    virtual void prepareUpload(const Attachment& file) = 0;
+};
+
+struct Request
+{
+    std::string method;
+    std::string target;
+    std::map<std::string, std::string> headers;
+    std::string body;
+};
+
+struct Response
+{
+    std::size_t status = 0;
+    std::string body;
+};
+
+struct Server
+{
+    bool secure = false;
+    std::string host;
+    std::string port;
+};
+
+/// One exchange over a connection of its own; `validate`: only with a server whose certificate is valid.
+using Exchange = std::function<Response(const Server& server, const Request& request, bool validate)>;
+
+std::unique_ptr<Client> libraryClient();
+std::unique_ptr<Client> sdkClient();
+/// Over an HTTP library that knows no JSON: the REST SDK's reads it.
+std::unique_ptr<Client> plainClient(Exchange exchange);
+
+struct Peer
+{
+    std::string name;
+    Exchange exchange;
+};
+/// The other HTTP libraries of the target.
+std::vector<Peer> peers();
+
+// The server's interface, for the clients that speak it themselves.
+Request noteRequest();
+Request listRequest(std::size_t count);
+Request uploadRequest(const Attachment& file);
+web::json::value noteBody(const TechNote& note);
+std::wstring idOf(const web::json::value& answer);
+std::vector<TicketListEntry> ticketsOf(const web::json::value& answer);
+
+/// @throws std::runtime_error if the two differ
+void expect(std::size_t expected, std::size_t actual, const std::string& what);
+} // namespace Bench

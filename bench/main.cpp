@@ -1,0 +1,220 @@
+// Measures the library beside its peers and says which goals hold. Runs under vantry-bench-server.
+#include "Measurement.h"
+#include "Work.h"
+
+#include <CLI/CLI.hpp>
+#include <log4cxx/logger.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+
+#ifdef _WIN32
+#define popen _popen
+#define pclose _pclose
+#endif
+
+namespace
+{
+using namespace Bench;
+
+/// A part of what the bare SDK needs.
+constexpr double goal([[maybe_unused]] double onLinux)
+{
+#ifdef _WIN32
+    return 1.05;
+#else
+    return onLinux;
+#endif
+}
+
+const Work works[] = {
+    {Operation::Note, 100, 300, goal(1.03), true},
+    {Operation::Note, 10 * kB, 200, 0, false},
+    {Operation::Note, MB, 30, goal(1.2), true},
+    {Operation::Note, 10 * MB, 9, goal(1.2), false},
+    {Operation::SecureNote, 100, 100, goal(1.03), true},
+    {Operation::List, 1, 200, 0, false},
+    {Operation::List, 100, 200, 0, false},
+    {Operation::List, 1000, 60, goal(0.95), true},
+    {Operation::List, 10'000, 20, goal(0.95), true},
+    {Operation::List, 100'000, 7, goal(0.95), false},
+    {Operation::List, 1'000'000, 2, 0, false},
+    {Operation::Upload, kB, 200, 0, false},
+    {Operation::Upload, MB, 60, 0, false},
+    {Operation::Upload, 10 * MB, 30, goal(1.15), true},
+    {Operation::Upload, 100 * MB, 9, goal(1.15), true},
+    {Operation::Upload, 500 * MB, 5, goal(1.15), false},
+};
+
+/// Peak memory beyond the host's own, in units; goal 0: what the bare SDK needs.
+struct MemoryWork
+{
+    Work work;
+    double unit;
+    const char* unitName;
+};
+
+const MemoryWork memoryWorks[] = {
+    {{Operation::Upload, 100 * MB, 1, 1.05, false}, 100.0 * MB, "× the file"},
+    {{Operation::AsynchronousUpload, 100 * MB, 1, 2.05, false}, 100.0 * MB, "× the file"},
+    {{Operation::List, 100'000, 1, 0, false}, 100'000.0, "bytes a ticket"},
+};
+
+void judge(std::vector<std::string>& verdicts, const std::string& what, double measured, double goal)
+{
+    char row[200];
+    std::snprintf(row, sizeof(row), "| %s | %.2f | ≤ %.2f | %s |", what.c_str(), measured, goal,
+                  measured <= goal ? "holds" : "**does not hold**");
+    verdicts.emplace_back(row);
+}
+
+void printTimes(const Work& work, const std::vector<Samples>& all, const Samples& reference)
+{
+    for (const auto& samples : all) {
+        const auto calls = static_cast<double>(samples.seconds.size());
+        std::printf("| %s | %s | %s | %.3f | %.3f | %.2f | %.3f | %.2f | ", nameOf(work.operation),
+                    sizeOf(work).c_str(), samples.name.c_str(), quantile(samples.seconds, 0.5) * 1e3,
+                    quantile(samples.seconds, 0.99) * 1e3, ratio(samples, reference),
+                    samples.cpuSeconds / calls * 1e3, samples.cpuSeconds / reference.cpuSeconds);
+        std::printf(samples.switches ? "%.1f |\n" : "– |\n",
+                    static_cast<double>(samples.switches.value_or(0)) / calls);
+    }
+    std::fflush(stdout);
+}
+
+void measureTime(const Work& work, std::vector<std::string>& verdicts)
+{
+    const Material material(work);
+    const auto clients = allClients(work.operation);
+    std::vector<Contender> contenders;
+    for (const auto& client : clients) {
+        contenders.push_back(contender(client, work.operation, material));
+    }
+    const auto all = measure(contenders, work.rounds);
+    printTimes(work, all, all[1]);
+    if (work.goal > 0) {
+        judge(verdicts,
+              std::string("time, ") + nameOf(work.operation) + ", " + sizeOf(work) + ", to the bare SDK",
+              ratio(all[0], all[1]), work.goal);
+    }
+}
+
+/// How long an upload with a window holds the host's thread, beside one copy of the file.
+void measureReturn(std::vector<std::string>& verdicts)
+{
+    const Work work{Operation::AsynchronousUpload, 500 * MB, 5, 1.2, false};
+    const Material material(work);
+    const auto clients = allClients(work.operation);
+    std::string copy;
+    const auto all = measure({contender(clients[0], work.operation, material),
+                              {"one copy", [] {}, [&] { copy = std::string(material.file.data); },
+                               [&] { std::string().swap(copy); }}},
+                             work.rounds);
+    printTimes(work, all, all[1]);
+    judge(verdicts, "time, upload with a window until it returns, to one copy", ratio(all[0], all[1]),
+          work.goal);
+}
+
+/// Bytes by which the peak goes beyond what the host holds already; in a process of its own.
+double peakOf(const Work& work, std::size_t who)
+{
+    const auto clients = allClients(work.operation);
+    const Material small({work.operation, 1, 1, 0, false});
+    const Material material(work);
+    std::size_t before = 0;
+    for (const auto* used : {&small, &material}) { // the small one to warm up
+        const auto subject = contender(clients.at(who), work.operation, *used);
+        subject.prepare();
+        before = usage().residentBytes;
+        subject.call();
+        subject.finish();
+    }
+    const auto peak = usage().peakResidentBytes;
+    return peak > before ? static_cast<double>(peak - before) : 0; // the system counts them apart
+}
+
+double peakInProcessOfItsOwn(const std::string& program, std::size_t work, std::size_t who)
+{
+    const auto command = program + " --peak " + std::to_string(work) + " " + std::to_string(who);
+    const std::unique_ptr<FILE, int (*)(FILE*)> child(popen(command.c_str(), "r"), &pclose);
+    double bytes = 0;
+    if (!child || std::fscanf(child.get(), "%lf", &bytes) != 1) {
+        throw std::runtime_error("cannot measure in a process of its own: " + command);
+    }
+    return bytes;
+}
+
+void measureMemory(const std::string& program, std::vector<std::string>& verdicts)
+{
+    std::printf("\nPeak memory beyond the host's own\n\n| operation | size | done by | peak | |\n"
+                "|---|---|---|---:|---|\n");
+    for (std::size_t i = 0; i < std::size(memoryWorks); ++i) {
+        const auto& [work, unit, unitName] = memoryWorks[i];
+        const auto clients = allClients(work.operation);
+        const auto count = work.operation == Operation::AsynchronousUpload ? 1 : clients.size();
+        std::vector<double> peaks;
+        for (std::size_t who = 0; who < count; ++who) {
+            peaks.push_back(peakInProcessOfItsOwn(program, i, who) / unit);
+            std::printf("| %s | %s | %s | %.2f | %s |\n", nameOf(work.operation), sizeOf(work).c_str(),
+                        clients[who].name.c_str(), peaks[who], unitName);
+        }
+        judge(verdicts, std::string("peak memory, ") + nameOf(work.operation) + ", " + unitName, peaks[0],
+              work.goal > 0 ? work.goal : peaks[1]);
+    }
+}
+
+struct Options
+{
+    bool quick = false;
+    std::string only;
+    std::vector<std::size_t> peak;
+};
+
+void run(const std::string& program, const Options& options)
+{
+    log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getOff());
+    if (!options.peak.empty()) {
+        std::printf("%.0f\n", peakOf(memoryWorks[options.peak[0]].work, options.peak[1]));
+        return;
+    }
+    std::vector<std::string> verdicts;
+    const auto wanted = [&](const std::string& name) { return name.find(options.only) == 0; };
+    std::printf("Time of a call\n\n| operation | size | done by | median ms | p99 ms | to the SDK | CPU ms | "
+                "CPU to the SDK | switches |\n|---|---|---|---:|---:|---:|---:|---:|---:|\n");
+    for (const auto& work : works) {
+        if (wanted(nameOf(work.operation)) && (!options.quick || work.quick)) {
+            measureTime(work, verdicts);
+        }
+    }
+    if (wanted(nameOf(Operation::AsynchronousUpload))) {
+        measureReturn(verdicts);
+    }
+    if (wanted("memory")) {
+        measureMemory(program, verdicts);
+    }
+    std::printf("\nGoals\n\n| what | measured | goal | |\n|---|---:|---:|---|\n");
+    for (const auto& row : verdicts) {
+        std::printf("%s\n", row.c_str());
+    }
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("Measures the library beside its peers.");
+    app.add_flag("--quick", options.quick, "some of the sizes");
+    app.add_option("--only", options.only, "only what begins so: note, list, upload, memory");
+    app.add_option("--peak", options.peak, "number of a work and of a client: the peak in bytes")
+        ->expected(2);
+    CLI11_PARSE(app, argc, argv);
+    try {
+        run(argv[0], options);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& error) {
+        std::cerr << "vantry-bench: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}
