@@ -8,14 +8,6 @@ namespace
 class Outcome : public VantryTest
 {
 protected:
-    /// Fails with 600 and the text that the fatal line `prefix` gives.
-    void expectFailureLoggedAs(const std::wstring& prefix)
-    {
-        EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
-        EXPECT_FALSE(GetLastResponse().errorMessage.empty());
-        EXPECT_EQ(log.containing(fatal(prefix + GetLastResponse().errorMessage)).size(), 1U);
-    }
-
     /// The entity that an upload names: the note saved last.
     std::string savedNote()
     {
@@ -240,10 +232,13 @@ TEST_F(Outcome, AReasonAgainstAnUploadIsNeverReportedAs200)
         sandbox.plan(Answer(row.sent, row.body));
         SaveAttachment({});
         expectStatus(row.code, row.message);
-        EXPECT_EQ(log.containing(error(api + L"saveAttachment; " + failure)).size(), row.complains ? 1U : 0U);
+        EXPECT_EQ(log.containing(L"ERROR CVantryApi " + api + L"saveAttachment; " + failure).size(),
+                  row.complains ? 1U : 0U);
         const bool named =
             row.body.find("Too big") != std::string::npos || row.body.find('7') != std::string::npos;
-        EXPECT_EQ(log.containing(error(api + L"unsafe_sendRequest_UploadAttachment; " + row.message)).size(),
+        EXPECT_EQ(log.containing(L"ERROR CVantryApi " + api + L"unsafe_sendRequest_UploadAttachment; " +
+                                 row.message)
+                      .size(),
                   named ? 1U : 0U);
     }
 }

@@ -12,7 +12,7 @@ protected:
     {
         const auto name = api + call.member;
         EXPECT_EQ(log.containing(L"Function: " + name),
-                  std::vector{info(L"Function: " + name + L" used url: " + sandbox.http + path)});
+                  std::vector{L"INFO CVantryApi Function: " + name + L" used url: " + sandbox.http + path});
     }
 };
 

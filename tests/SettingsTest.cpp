@@ -1,7 +1,6 @@
 #include "support/VantryTest.h"
 
 #include <memory>
-#include <utility>
 
 namespace
 {
@@ -45,8 +44,8 @@ TEST_F(Settings, WithoutTraceOnlyTheEndpointIsLogged)
 {
     CapturedLog::setLevel(log4cxx::Level::getDebug());
     callEverySetterAndGetter();
-    EXPECT_EQ(log.texts(),
-              std::vector{LogText::info(LogText::api + L"setEndPoint; Endpoing: http://host\u00E9/rest")});
+    EXPECT_EQ(log.texts(), std::vector{L"INFO CVantryApi " + LogText::api +
+                                       L"setEndPoint; Endpoing: http://host\u00E9/rest"});
 }
 
 TEST_F(Settings, WithInfoOffACallThatSucceedsLogsNothing)
@@ -69,35 +68,6 @@ TEST_F(Settings, OnlyTheCallbackSetLastIsKept)
     EXPECT_EQ(second.use_count(), 2);
     SetValidateCertificateCallback({});
     EXPECT_EQ(second.use_count(), 1);
-}
-
-namespace
-{
-/// A callback that notes, whenever it is copied, whether the one before it has been destroyed.
-struct Successor
-{
-    Successor(std::weak_ptr<int> watched, bool& note) : predecessor(std::move(watched)), gone(note) {}
-    Successor(const Successor& other) : predecessor(other.predecessor), gone(other.gone)
-    {
-        gone = predecessor.expired();
-    }
-    bool operator()(const CERT_CONTEXT& /*certificate*/) const { return true; }
-
-    std::weak_ptr<int> predecessor;
-    bool& gone;
-};
-} // namespace
-
-TEST_F(Settings, TheOldCallbackGoesBeforeTheNewOneComes)
-{
-    auto first = std::make_shared<int>();
-    const std::weak_ptr<int> watched = first;
-    SetValidateCertificateCallback(
-        [first = std::move(first)](const CERT_CONTEXT&) { return first != nullptr; });
-    bool goneAtLastCopy = false;
-    SetValidateCertificateCallback(Successor(watched, goneAtLastCopy));
-    EXPECT_TRUE(goneAtLastCopy);
-    SetValidateCertificateCallback({});
 }
 
 TEST_F(Settings, EverySettingCountsFromTheNextOperation)
