@@ -11,6 +11,7 @@
 using Platform::fromAnsi;
 using Platform::fromRestText;
 using Platform::restTextOfUtf8;
+using Platform::toParserText;
 using web::http::http_response;
 
 namespace json = web::json;
@@ -60,6 +61,11 @@ JsonAnswer shared(json::value&& value)
     return std::make_shared<const json::value>(std::move(value));
 }
 
+json::value parsed(utility::string_t text)
+{
+    return json::value::parse(toParserText(std::move(text)));
+}
+
 /// UTF-8, the usual form, is read here: the REST SDK would refuse bytes that are no text on one target and
 /// take them on the other. Every other form is the REST SDK's matter.
 pplx::task<JsonAnswer> extractJson(http_response& response, const utility::string_t& contentType)
@@ -68,8 +74,8 @@ pplx::task<JsonAnswer> extractJson(http_response& response, const utility::strin
         return response.extract_json().then([](json::value value) { return shared(std::move(value)); });
     }
     return response.content_ready().then([](const http_response& complete) {
-        const auto text = restTextOfUtf8(bodyBytes(complete));
-        return shared(text.empty() ? json::value() : json::value::parse(text));
+        auto text = restTextOfUtf8(bodyBytes(complete));
+        return shared(text.empty() ? json::value() : parsed(std::move(text)));
     });
 }
 
@@ -114,7 +120,7 @@ pplx::task<JsonAnswer> handleResponse(http_response& response)
             const auto text = extractText(response, contentType);
             LUMO_INFO(fromRestText(text));
             LUMO_DEBUG(L"Trying to create json value from string.");
-            return pplx::task_from_result(shared(json::value::parse(text)));
+            return pplx::task_from_result(shared(parsed(text)));
         } catch (const std::exception& e) {
             LUMO_FATAL(fromAnsi(e.what()));
             throw;

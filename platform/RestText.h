@@ -18,4 +18,7 @@ std::wstring fromRestText(const utility::string_t& text);
 /// A server's UTF-8 as text of the REST SDK. Whatever in it is no well-formed text becomes U+FFFD: here on
 /// Windows, in `fromRestText` on Linux.
 utility::string_t restTextOfUtf8(std::string utf8);
+
+/// `json` for the REST SDK's parser, which takes U+FFFF for the end of the text on Windows.
+utility::string_t toParserText(utility::string_t json);
 } // namespace Platform

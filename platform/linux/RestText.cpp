@@ -19,4 +19,9 @@ utility::string_t restTextOfUtf8(std::string utf8)
     // The REST SDK takes the byte 0xFF for the end of the text.
     return isUtf8(utf8) ? std::move(utf8) : toUtf8(fromUtf8(utf8));
 }
+
+utility::string_t toParserText(utility::string_t json)
+{
+    return json;
+}
 } // namespace Platform

@@ -53,12 +53,23 @@ void silenceConnection(HINTERNET request)
     }
 }
 
+/// So that each exchange has a connection of its own: one that WinHTTP keeps may have been closed by the
+/// server in the meantime, which fails the next operation or has its request sent twice.
+void keepNoConnection(HINTERNET request)
+{
+    DWORD feature = WINHTTP_DISABLE_KEEP_ALIVE;
+    if (WinHttpSetOption(request, WINHTTP_OPTION_DISABLE_FEATURE, &feature, sizeof(feature)) == FALSE) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "WinHttpSetOption");
+    }
+}
+
 void watch(HINTERNET request, const SharedHook& hook)
 {
     // What the REST SDK asked for at the session; it still needs all of it.
     constexpr DWORD flags = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
                             WINHTTP_CALLBACK_FLAG_REDIRECT;
+    keepNoConnection(request);
     Platform::wantCertificate(request, hook);
     // No notification comes before the request is sent, which is after this.
     auto* const previous = WinHttpSetStatusCallback(request, &requestStatus, flags, 0);

@@ -3,6 +3,8 @@
 #include "Utf8.h"
 #include "WideText.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <stdexcept>
 
 namespace Platform
@@ -29,5 +31,11 @@ std::wstring fromRestText(const utility::string_t& text)
 utility::string_t restTextOfUtf8(std::string utf8) // NOLINT(performance-unnecessary-value-param): as on Linux
 {
     return fromUtf8(utf8);
+}
+
+utility::string_t toParserText(utility::string_t json)
+{
+    boost::replace_all(json, L"\xFFFF", L"\\uffff"); // as the escape, it stays what it is
+    return json;
 }
 } // namespace Platform
