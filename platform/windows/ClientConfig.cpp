@@ -6,6 +6,7 @@
 #include <winhttp.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <system_error>
 
@@ -53,23 +54,24 @@ void silenceConnection(HINTERNET request)
     }
 }
 
-/// So that each exchange has a connection of its own: one that WinHTTP keeps may have been closed by the
-/// server in the meantime, which fails the next operation or has its request sent twice.
-void keepNoConnection(HINTERNET request)
+void setOption(HINTERNET request, DWORD option, DWORD value)
 {
-    DWORD feature = WINHTTP_DISABLE_KEEP_ALIVE;
-    if (WinHttpSetOption(request, WINHTTP_OPTION_DISABLE_FEATURE, &feature, sizeof(feature)) == FALSE) {
+    if (WinHttpSetOption(request, option, &value, sizeof(value)) == FALSE) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "WinHttpSetOption");
     }
 }
 
-void watch(HINTERNET request, const SharedHook& hook)
+void watch(HINTERNET request, std::chrono::milliseconds timeout, const SharedHook& hook)
 {
     // What the REST SDK asked for at the session; it still needs all of it.
     constexpr DWORD flags = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
                             WINHTTP_CALLBACK_FLAG_REDIRECT;
-    keepNoConnection(request);
+    // A kept connection may have been closed by the server in the meantime: that fails the next operation, or
+    // has WinHTTP send its request twice.
+    setOption(request, WINHTTP_OPTION_DISABLE_FEATURE, WINHTTP_DISABLE_KEEP_ALIVE);
+    // The one wait that the REST SDK does not limit: 90 s for an answer's headers, without end in Wine.
+    setOption(request, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, static_cast<DWORD>(timeout.count()));
     Platform::wantCertificate(request, hook);
     // No notification comes before the request is sent, which is after this.
     auto* const previous = WinHttpSetStatusCallback(request, &requestStatus, flags, 0);
@@ -85,9 +87,11 @@ void watch(HINTERNET request, const SharedHook& hook)
 
 void watchRequests(web::http::client::http_client_config& config, SharedHook hook)
 {
-    config.set_nativehandle_options([hook = std::move(hook)](web::http::client::native_handle request) {
-        watch(static_cast<HINTERNET>(request), hook);
-    });
+    const auto timeout = config.timeout<std::chrono::milliseconds>();
+    config.set_nativehandle_options(
+        [timeout, hook = std::move(hook)](web::http::client::native_handle request) {
+            watch(static_cast<HINTERNET>(request), timeout, hook);
+        });
 }
 } // namespace
 
