@@ -4,8 +4,9 @@
 
 using VantryIntegrationApi::CVantryApi;
 
-// The module's objects: made in this order when it is loaded, destroyed in the reverse when it is unloaded. The
-// order holds within one file only, which is why the class's own logger and text stand here and not with it.
+// The module's objects: made in this order when it is loaded, destroyed in the reverse when it is unloaded.
+// The order holds within one file only, which is why the class's own logger and text stand here and not with
+// it.
 namespace
 {
 log4cxx::LoggerPtr moduleLogger = log4cxx::Logger::getLogger(L"TAVIKVANTRYAPI");

@@ -185,17 +185,6 @@ TEST_F(Asynchronous, ACallAnnouncesItsEndToTheWindowItWasStartedWith)
     finish(other, false);
 }
 
-TEST_F(Asynchronous, WithoutAWindowCallsAreSynchronousAgainAndAnnounceNothing)
-{
-    SetHWND(nullptr);
-    for (const auto& call : operations()) {
-        call.start();
-    }
-    EXPECT_EQ(log.containing(L"Sync. ").size(), operations().size());
-    EXPECT_TRUE(log.containing(L"Sending signal").empty());
-    EXPECT_FALSE(window.next(200ms));
-}
-
 /// An answer with a number where a text belongs: without a window the exception would reach the host.
 TEST(AsynchronousDeathTest, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
 {

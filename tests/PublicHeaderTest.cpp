@@ -44,13 +44,6 @@
 
 #include <type_traits>
 
-TEST(PublicHeader, AFreshStatusSaysThatNothingHasHappened)
-{
-    const ResponseStatus status;
-    EXPECT_EQ(status.httpStatusCode, -1);
-    EXPECT_EQ(status.errorMessage, L"Internal Error: Object wasn't initialized.");
-}
-
 TEST(PublicHeader, NumbersAreThoseOfTheBinaryInterface)
 {
     EXPECT_EQ(WM_ASYNC_REQUEST_FINISHED, 0x8100U);
