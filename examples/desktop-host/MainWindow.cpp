@@ -348,9 +348,9 @@ void MainWindow::showWrongEntry(int field, const std::wstring& explanation)
 void MainWindow::showBusy(const std::wstring& progress)
 {
     HWND const focus = GetFocus();
+    updateControls(); // before anything says that the operation runs
     showStatus(progress);
     showProgress(true);
-    updateControls();
     if (focus != nullptr && IsWindowEnabled(focus) == FALSE) {
         m_busyFocus = focus;
         SetFocus(GetDlgItem(m_window, IDC_TICKETS));
