@@ -98,6 +98,13 @@ void discard(Stream& stream, boost::beast::flat_buffer& read, std::uint64_t size
     }
 }
 
+/// A client that sends head and body apart would else wait for the system's timer between the two. Holds for
+/// the next bytes only.
+void acknowledgeAtOnce(tcp::socket::lowest_layer_type& socket)
+{
+    socket.set_option(asio::detail::socket_option::boolean<IPPROTO_TCP, TCP_QUICKACK>(true));
+}
+
 /// Serves a connection until the client closes it, which is a `system_error`.
 template <typename Stream>
 void serve(Stream& stream)
@@ -105,6 +112,7 @@ void serve(Stream& stream)
     boost::beast::flat_buffer read;
     for (;;) {
         http::request_parser<http::empty_body> request;
+        acknowledgeAtOnce(stream.lowest_layer());
         request.body_limit(std::numeric_limits<std::uint64_t>::max());
         http::read_header(stream, read, request);
         discard(stream, read, request.content_length().value_or(0));
