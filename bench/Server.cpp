@@ -1,6 +1,5 @@
 // The other end of the measurements: answers at once with what it has ready, so that the client is what
 // counts. usage: vantry-bench-server COMMAND ARGUMENT...
-#include "CaFile.h"
 #include "Certificates.h"
 #include "Platform.h"
 
@@ -9,6 +8,7 @@
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
+#include <fcntl.h>
 
 #include <algorithm>
 #include <chrono>
@@ -33,6 +33,7 @@ namespace
 /// What clients of the https port fetch to trust it.
 std::string revocationList;
 std::string authorityDer;
+std::string authorityPem;
 
 std::string answer(const std::string& status, const std::string& type, const std::string& body)
 {
@@ -75,6 +76,7 @@ const std::string& answerTo(http::verb method, const std::string& target)
     static const auto home = answer("200 OK", "text/plain", "");
     static const auto revoked = answer("200 OK", "application/pkix-crl", revocationList);
     static const auto ca = answer("200 OK", "application/pkix-cert", authorityDer);
+    static const auto caText = answer("200 OK", "application/x-pem-file", authorityPem);
     if (method == http::verb::post) {
         return created;
     }
@@ -83,6 +85,9 @@ const std::string& answerTo(http::verb method, const std::string& target)
     }
     if (target == "/ca.der") {
         return ca;
+    }
+    if (target == "/ca.pem") {
+        return caText;
     }
     return target.find("/Tickets") == std::string::npos ? home : ticketsOf(target);
 }
@@ -142,7 +147,8 @@ unsigned short listen(asio::io_context& context, asio::ssl::context* tls)
 {
     auto acceptor =
         std::make_shared<tcp::acceptor>(context, tcp::endpoint(asio::ip::address_v4::loopback(), 0));
-    sandbox::platform::keepToThisProcess(*acceptor);
+    fcntl(acceptor->native_handle(), F_SETFD,
+          FD_CLOEXEC); // not for the command, nor for what it leaves behind
     std::thread([acceptor, &context, tls] {
         for (;;) {
             tcp::socket socket(context);
@@ -164,13 +170,12 @@ int run(const std::vector<std::string>& command)
     sandbox::CertificateAuthority authority(plain + "/ca.crl");
     revocationList = authority.revocationListDer();
     authorityDer = authority.der();
+    authorityPem = authority.pem();
     const auto tls = authority.certificate(sandbox::CertificateKind::Good).tls;
     const auto secure = "https://localhost:" + std::to_string(listen(context, tls.get()));
 
-    const sandbox::CaFile ca(authority.pem(), {});
     setenv("VANTRY_BENCH_HTTP", plain.c_str(), 1);
     setenv("VANTRY_BENCH_HTTPS", secure.c_str(), 1);
-    setenv("SSL_CERT_FILE", ca.path().c_str(), 1);
     auto child = sandbox::platform::start(command);
     child.wait();
     return sandbox::platform::exitCode(child);
