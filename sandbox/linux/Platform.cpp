@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 
@@ -40,6 +41,7 @@ struct Leash : process::extend::handler
             _exit(exitBySignal + SIGKILL); // the parent died before the line above could take effect
         }
         if (close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC) != 0) {
+            std::perror("vantry-sandbox: close_range");
             _exit(EXIT_FAILURE);
         }
     }
