@@ -16,7 +16,14 @@ step() {
     mkdir -p build/log
     log=build/log/$(tr --complement --squeeze-repeats 'A-Za-z0-9\n' '-' <<< "$title").log
     echo "== $title ..."
-    "${@:2}" > "$log" 2>&1 || code=$?
+    # In a subshell of its own: behind || a function would go on after a command that has failed.
+    set +e
+    (
+        set -e
+        "${@:2}"
+    ) > "$log" 2>&1
+    code=$?
+    set -e
     if [ "$code" != 0 ]; then
         tail --lines=60 "$log" >&2
         echo "== $title: FAILED with exit code $code; the whole output is in $log" >&2
