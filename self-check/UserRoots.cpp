@@ -63,6 +63,7 @@ int removeSandboxAuthorities()
             break;                                                // the person has refused
         }
     }
+    CertControlStore(store.get(), 0, CERT_STORE_CTRL_COMMIT, nullptr); // closing alone does not do it in Wine
     const auto reopened = rootsOfUser();
     int left = 0;
     for (const auto* found = findAuthority(reopened.get(), nullptr); found != nullptr;

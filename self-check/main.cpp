@@ -197,7 +197,7 @@ bool checkSystem(Report& report)
     report.line("");
     report.line("Certificates left behind: " + std::to_string(left));
     check.summarize();
-    return check.allPassed();
+    return check.allPassed() && left == 0;
 }
 } // namespace
 
