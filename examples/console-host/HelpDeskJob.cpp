@@ -61,12 +61,12 @@ HelpDeskJob::~HelpDeskJob()
 
 bool HelpDeskJob::run()
 {
-    if (!succeeds("open the session", 200, [] { CreateSession(); })) {
+    if (!perform("open the session", 200, [] { CreateSession(); })) {
         return false;
     }
     std::cout << "Session opened." << std::endl;
     const bool isDone = createTicket() && saveNote() && attachFile() && listTickets();
-    const bool isClosed = succeeds("close the session", 200, [] { CloseSession(); });
+    const bool isClosed = perform("close the session", 200, [] { CloseSession(); });
     if (isClosed) {
         std::cout << "Session closed." << std::endl;
     }
@@ -75,7 +75,7 @@ bool HelpDeskJob::run()
 
 bool HelpDeskJob::createTicket()
 {
-    if (!succeeds("create the ticket", 201, [this] { CreateTicket(m_ticket); })) {
+    if (!perform("create the ticket", 201, [this] { CreateTicket(m_ticket); })) {
         return false;
     }
     m_note.jobTicketId = GetCreatedTicketID();
@@ -86,7 +86,7 @@ bool HelpDeskJob::createTicket()
 
 bool HelpDeskJob::saveNote()
 {
-    if (!succeeds("save the note", 201, [this] { SaveTechNote(m_note); })) {
+    if (!perform("save the note", 201, [this] { SaveTechNote(m_note); })) {
         return false;
     }
     std::cout << "Note saved: " << toTerminal(m_note.noteText) << std::endl;
@@ -95,7 +95,7 @@ bool HelpDeskJob::saveNote()
 
 bool HelpDeskJob::attachFile()
 {
-    if (!succeeds("attach the file", 201, [this] { SaveAttachment(m_attachment); })) {
+    if (!perform("attach the file", 201, [this] { SaveAttachment(m_attachment); })) {
         return false;
     }
     std::cout << "File attached: " << toTerminal(m_attachment.fileName) << ", " << m_attachment.data.size()
@@ -105,8 +105,8 @@ bool HelpDeskJob::attachFile()
 
 bool HelpDeskJob::listTickets()
 {
-    if (!succeeds("list the tickets", 200,
-                  [this] { RequestTicketList(m_ticket.entityId, m_ticket.entityType); })) {
+    if (!perform("list the tickets", 200,
+                 [this] { RequestTicketList(m_ticket.entityId, m_ticket.entityType); })) {
         return false;
     }
     const auto& tickets = GetTicketList();
@@ -117,10 +117,10 @@ bool HelpDeskJob::listTickets()
     return true;
 }
 
-/// Runs one operation to its end. With a window its call returns at once, and the results may be read when
-/// the window has been told.
-bool HelpDeskJob::succeeds(const std::string& task, std::int32_t successCode,
-                           const std::function<void()>& operation)
+/// Runs one operation to its end and tells whether it succeeded. With a window its call returns at once, and
+/// the results may be read when the window has been told.
+bool HelpDeskJob::perform(const std::string& task, std::int32_t successCode,
+                          const std::function<void()>& operation)
 {
     operation();
     if (m_window) {

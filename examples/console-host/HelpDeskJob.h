@@ -28,7 +28,7 @@ private:
     bool saveNote();
     bool attachFile();
     bool listTickets();
-    bool succeeds(const std::string& task, std::int32_t successCode, const std::function<void()>& operation);
+    bool perform(const std::string& task, std::int32_t successCode, const std::function<void()>& operation);
 
     TicketCreationInformation m_ticket;
     TechNote m_note;

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <iostream>
 
-/// Without a window an operation returns when it has ended; then its status tells how.
+/// Runs an operation and tells whether it succeeded: without a window it returns when it has ended.
 template <typename Operation>
-bool succeeds(const wchar_t* task, int successCode, Operation operation)
+bool perform(const wchar_t* task, int successCode, Operation operation)
 {
     operation();
     const ResponseStatus& response = GetLastResponse();
@@ -30,11 +30,11 @@ int wmain(int argc, wchar_t** argv)
     const auto note = [] { SaveTechNote({GetCreatedTicketID(), L"Refilled.", 15, true}); };
     const auto file = [] { SaveAttachment({"Pages: 4711", L"counter.txt"}); };
     const auto list = [&] { RequestTicketList(argv[3], Client); };
-    const bool isOpen = succeeds(L"Session", 200, CreateSession);
-    const bool isDone = isOpen && succeeds(L"Ticket", 201, ticket) && succeeds(L"Note", 201, note) &&
-                        succeeds(L"File", 201, file) && succeeds(L"List", 200, list);
+    const bool isOpen = perform(L"Session", 200, CreateSession);
+    const bool isDone = isOpen && perform(L"Ticket", 201, ticket) && perform(L"Note", 201, note) &&
+                        perform(L"File", 201, file) && perform(L"List", 200, list);
     for (const auto& entry : GetTicketList()) {
         std::wcout << entry.id << L' ' << entry.name << std::endl;
     }
-    return isOpen && succeeds(L"End", 200, CloseSession) && isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+    return isOpen && perform(L"End", 200, CloseSession) && isDone ? EXIT_SUCCESS : EXIT_FAILURE;
 }
