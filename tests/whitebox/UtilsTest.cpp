@@ -37,20 +37,6 @@ TEST(Addresses, ABaseKeepsSchemeHostAndAWrittenPort)
     EXPECT_THROW(Utils::getSchemeIpAsUrl(L"http://a b/"), web::uri_exception);
 }
 
-TEST(Addresses, OnlyLowerCaseHttpsIsSecure)
-{
-    for (const auto& [url, secure] : {std::pair{L"https://host/path", true},
-                                      {L"http://host", false},
-                                      {L"HTTPS://host", false},
-                                      {L"Https://host", false},
-                                      {L"httpsx://host", false},
-                                      {L"http://https", false},
-                                      {L"", false}}) {
-        EXPECT_EQ(Utils::isSecureScheme(url), secure) << testing::PrintToString(std::wstring(url));
-    }
-    EXPECT_THROW(Utils::isSecureScheme(L"http://a b/"), web::uri_exception);
-}
-
 namespace
 {
 using Method = std::function<ResponseStatus()>;
