@@ -11,6 +11,7 @@
 
 namespace
 {
+constexpr rlim_t standardStreams = STDERR_FILENO + 1; ///< the only ones that stay open for sure
 constexpr rlim_t headroom = 64UL * 1024 * 1024;
 constexpr std::size_t usualStack = 8UL * 1024 * 1024;
 constexpr std::size_t impossibleStack = 1UL << 47U;
@@ -28,15 +29,6 @@ void limit(__rlimit_resource resource, rlim_t value)
     require(getrlimit(resource, &limits) == 0);
     limits.rlim_cur = std::min(value, limits.rlim_max);
     require(setrlimit(resource, &limits) == 0);
-}
-
-/// With the first free descriptor as the limit none can be opened.
-rlim_t firstFreeDescriptor()
-{
-    const int descriptor = dup(0);
-    require(descriptor >= 0);
-    close(descriptor);
-    return static_cast<rlim_t>(descriptor);
 }
 
 rlim_t addressSpace()
@@ -62,7 +54,7 @@ const std::map<std::string, Shortage>& shortages()
 {
     static const std::map<std::string, Shortage> all{
         {"noDescriptors",
-         {[] { limit(RLIMIT_NOFILE, firstFreeDescriptor()); }, [] { limit(RLIMIT_NOFILE, RLIM_INFINITY); }}},
+         {[] { limit(RLIMIT_NOFILE, standardStreams); }, [] { limit(RLIMIT_NOFILE, RLIM_INFINITY); }}},
         {"noMemory",
          {[] { limit(RLIMIT_AS, addressSpace() + headroom); }, [] { limit(RLIMIT_AS, RLIM_INFINITY); }}},
         {"noThread", {[] { setStackOfThreads(impossibleStack); }, [] { setStackOfThreads(usualStack); }}}};
