@@ -64,6 +64,14 @@ bool CVantryApi::certificateIsTrusted(const wchar_t* operation)
     return trusted;
 }
 
+web::uri CVantryApi::addressWithCredentials(const utility::char_t* path) const
+{
+    return web::uri_builder()
+        .set_path(path)
+        .append_query(Utils::credentialQuery(m_userName, m_password), false)
+        .to_uri();
+}
+
 void CVantryApi::logUsedUrl(const web::uri& url, const wchar_t* operation) const
 {
     if (log4cxx::Logger::isInfoEnabledFor(m_logger)) {

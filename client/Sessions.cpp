@@ -52,10 +52,7 @@ void CVantryApi::createSession()
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createSession");
     const auto prepareRequest = [&] {
-        auto requestUri = web::uri_builder()
-                              .set_path(U("/Session"))
-                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                              .to_uri();
+        auto requestUri = addressWithCredentials(U("/Session"));
         logUsedUrl(requestUri, lumoName);
         return requestUri;
     };

@@ -13,17 +13,15 @@ using web::http::status_codes;
 
 namespace json = web::json;
 
+namespace Utils = VantryIntegrationApi::Utils;
+
 namespace
 {
 json::value noteBody(const TechNote& techNote)
 {
-    auto ticket = json::value::object();
-    ticket[U("type")] = json::value::string(U("JobTicket"));
-    ticket[U("id")] = json::value::string(toRestText(techNote.jobTicketId));
-
     auto body = json::value::object();
     body[U("noteText")] = json::value::string(toRestText(techNote.noteText));
-    body[U("jobticket")] = std::move(ticket);
+    body[U("jobticket")] = Utils::entity(U("JobTicket"), techNote.jobTicketId);
     body[U("workTime")] = json::value::string(toRestText(std::to_wstring(techNote.workTime)));
     body[U("isHidden")] = json::value::boolean(!techNote.isVisible);
     return body;
@@ -44,10 +42,7 @@ void CVantryApi::saveTechNote(const TechNote& techNote)
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
     json::value body;
     const auto prepareRequest = [&] {
-        auto requestUri = web::uri_builder()
-                              .set_path(U("/TechNotes"))
-                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                              .to_uri();
+        auto requestUri = addressWithCredentials(U("/TechNotes"));
         LUMO_DEBUG(L"Going to prepare json object from input data.");
         body = noteBody(techNote);
         logUsedUrl(requestUri, lumoName);

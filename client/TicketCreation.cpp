@@ -11,25 +11,19 @@ using web::http::status_codes;
 
 namespace json = web::json;
 
+namespace Utils = VantryIntegrationApi::Utils;
+
 namespace
 {
-json::value entity(const utility::char_t* type, const std::wstring& id)
-{
-    auto value = json::value::object();
-    value[U("type")] = json::value::string(type);
-    value[U("id")] = json::value::string(toRestText(id));
-    return value;
-}
-
 json::value ticketBody(const TicketCreationInformation& ticket)
 {
     auto body = json::value::object();
     body[U("subject")] = json::value::string(toRestText(ticket.subject));
     body[U("detail")] = json::value::string(toRestText(ticket.detail));
     if (ticket.entityType == VantryType::Client) {
-        body[U("clientReporter")] = entity(U("Client"), ticket.entityId);
+        body[U("clientReporter")] = Utils::entity(U("Client"), ticket.entityId);
     } else {
-        body[U("assets")] = json::value::array({entity(U("Asset"), ticket.entityId)});
+        body[U("assets")] = json::value::array({Utils::entity(U("Asset"), ticket.entityId)});
     }
     return body;
 }
@@ -51,10 +45,7 @@ void CVantryApi::createTicket(const TicketCreationInformation& ticket)
     LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
     json::value body;
     const auto prepareRequest = [&] {
-        auto requestUri = web::uri_builder()
-                              .set_path(U("/Tickets"))
-                              .append_query(Utils::credentialQuery(m_userName, m_password), false)
-                              .to_uri();
+        auto requestUri = addressWithCredentials(U("/Tickets"));
         logUsedUrl(requestUri, lumoName);
         LUMO_INFO(L"Preparing json based on input information");
         body = ticketBody(ticket);

@@ -79,6 +79,14 @@ utility::string_t credentialQuery(const std::wstring& userName, const std::wstri
         .query();
 }
 
+web::json::value entity(const utility::char_t* type, const std::wstring& id)
+{
+    auto value = web::json::value::object();
+    value[U("type")] = web::json::value::string(type);
+    value[U("id")] = web::json::value::string(toRestText(id));
+    return value;
+}
+
 void requireOneLine(const std::wstring& text, const std::string& name)
 {
     if (text.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) {

@@ -1,8 +1,9 @@
 /// @file
-/// Helpers of the client that need none of its state: its texts and addresses.
+/// Helpers of the client that need none of its state: its texts, addresses and the JSON of its requests.
 #pragma once
 
 #include <cpprest/base_uri.h>
+#include <cpprest/json.h>
 
 #include <cstdint>
 #include <optional>
@@ -38,6 +39,10 @@ std::optional<std::wstring> shownInQuery(const std::wstring& text);
 /// Query elements "username=" and "password=", encoded, in this order.
 /// @throws std::range_error if a text is malformed
 utility::string_t credentialQuery(const std::wstring& userName, const std::wstring& password);
+
+/// What the server knows by `type` and `id`, as a request names it.
+/// @throws std::range_error if `id` is malformed
+web::json::value entity(const utility::char_t* type, const std::wstring& id);
 
 /// For text that goes into a header, which ends where a line ends: it could write headers of its own. `name`
 /// is what the exception calls the text.

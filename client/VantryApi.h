@@ -134,6 +134,10 @@ private:
     /// Whether the server's certificate lets the operation go on; says so in the log if not.
     bool certificateIsTrusted(const wchar_t* operation);
 
+    /// `path`, and the credentials as its query.
+    /// @throws std::range_error if a credential is malformed
+    web::uri addressWithCredentials(const utility::char_t* path) const;
+
     /// `LogUsedUrl`, if its line is wanted.
     void logUsedUrl(const web::uri& url, const wchar_t* operation) const;
     void LogUsedUrl(std::wstring url, std::wstring operation) const;
