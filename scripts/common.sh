@@ -34,3 +34,20 @@ step() {
 
 # build PRESET TARGET...
 build() { cmake --preset "$1" && cmake --build --preset "$1" --parallel "$jobs" --target "${@:2}"; }
+
+as_root() { if [ "$(id --user)" = 0 ]; then "$@"; else sudo "$@"; fi; }
+
+installed() { [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2> /dev/null)" = installed ]; }
+
+# install_packages PACKAGE... - those that are missing
+install_packages() {
+    local package missing=()
+    for package in "$@"; do
+        installed "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Installing packages: ${missing[*]}"
+    as_root apt-get update --quiet=2
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install --yes --quiet=2 --no-install-recommends "${missing[@]}"
+}
