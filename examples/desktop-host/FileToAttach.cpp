@@ -8,7 +8,7 @@
 
 namespace
 {
-/// The library holds the content in memory several times over.
+/// The whole content is in memory, here and, until the upload has ended, in the library's copy.
 constexpr std::uintmax_t largest = 64 * 1024 * 1024;
 } // namespace
 

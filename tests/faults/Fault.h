@@ -18,7 +18,7 @@ struct Script
     std::string then;
 };
 
-/// One row; the file's comment-free members mean what those of the same name here mean.
+/// One row of the file, whose members mean what those of the same name here mean.
 struct Fault
 {
     explicit Fault(const nlohmann::json& row);
