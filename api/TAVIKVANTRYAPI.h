@@ -24,7 +24,8 @@
 ///
 /// Errors. Operations report through `GetLastResponse`. An exception leaves an operation only where its
 /// documentation says so, or if the certificate callback throws something that is no `std::exception`. With a
-/// window set, an exception of the operation itself leaves its worker thread and ends the process.
+/// window set, an exception of the operation itself leaves its worker thread and ends the process. Where
+/// memory runs out for the copies of a call with a window or for a list's tickets, `std::bad_alloc` leaves.
 ///
 /// Bounds. Redirections are not followed. Each wait for the server may take 30 s, the body of an answer 10
 /// minutes and 256 MiB; beyond that the status is 600. An operation cannot be cancelled.
@@ -139,6 +140,7 @@ VANTRY_API void SetCredentials(const std::wstring& userName, const std::wstring&
 /// });
 /// @endcode
 /// @param callback copied; the old one is destroyed first
+/// @throws std::bad_alloc, or what copying `callback` throws; the old one or none is set then
 VANTRY_API void SetValidateCertificateCallback(ValidateCertificateCallback callback);
 
 /// Sets the window that is told of the end of every following operation, which then runs on a thread of its
@@ -154,12 +156,14 @@ VANTRY_API void SetHWND(HWND window);
 /// @return valid while the library is loaded; the next operation writes a new outcome into it
 VANTRY_API const ResponseStatus& GetLastResponse();
 
-/// Id of the ticket created last: JSON text of the server's id; empty if the last creation failed.
+/// Id of the ticket created last: JSON text of the server's id; empty if the last creation failed or its
+/// answer was no JSON or `null`.
 /// @return `1001` for an id that is a number, `"A-1"` with its quotes for one that is a string, `null` if the
 ///         server's answer has none; valid while the library is loaded, replaced by the next `CreateTicket`
 VANTRY_API const std::wstring& GetCreatedTicketID();
 
-/// Tickets of the last `RequestTicketList`; empty if it failed, except where that says otherwise.
+/// Tickets of the last `RequestTicketList`; empty if it failed, except where that says otherwise, or if its
+/// answer was no list.
 /// @return valid while the library is loaded, replaced by the next `RequestTicketList`
 VANTRY_API const std::vector<TicketListEntry>& GetTicketList();
 
