@@ -66,6 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             readPlan(input);
             break;
         case 2:
+            sandbox::readPlannedConnection(sandbox::Json::parse(input));
+            break;
+        case 3:
             readBase64(input);
             break;
         default:

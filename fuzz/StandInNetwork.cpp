@@ -1,7 +1,5 @@
 #include "StandInNetwork.h"
 
-#include "Host.h"
-
 #include <boost/algorithm/string/trim.hpp>
 #include <cpprest/containerstream.h>
 #include <cpprest/http_client.h>
@@ -9,6 +7,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
+#include <mutex>
 
 using web::http::http_request;
 using web::http::http_response;
@@ -54,11 +54,8 @@ namespace fuzz
 {
 void setServer(Server newServer)
 {
-    static const bool tasksRunAtOnce = [] {
-        pplx::set_ambient_scheduler(std::make_shared<AtOnce>());
-        return true;
-    }();
-    require(tasksRunAtOnce, "no scheduler");
+    static std::once_flag first;
+    std::call_once(first, [] { pplx::set_ambient_scheduler(std::make_shared<AtOnce>()); });
     server() = std::move(newServer);
 }
 
