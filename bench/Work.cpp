@@ -67,6 +67,7 @@ Contender contender(const NamedClient& named, Operation operation, const Materia
                 [=] {
                     window->waitForOperation();
                     SetHWND(nullptr);
+                    expect(201, static_cast<std::size_t>(GetLastResponse().httpStatusCode), "status");
                 }};
     }
     default:
