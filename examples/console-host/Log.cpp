@@ -10,6 +10,7 @@
 #include <log4cxx/propertyconfigurator.h>
 #include <log4cxx/xml/domconfigurator.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -46,7 +47,7 @@ void readConfiguration(const std::string& file)
 }
 } // namespace
 
-Log::Log(const Options& options)
+void configureLog(const Options& options)
 {
     if (!options.logConfiguration.empty()) {
         readConfiguration(options.logConfiguration);
@@ -55,9 +56,5 @@ Log::Log(const Options& options)
     } else {
         log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getOff());
     }
-}
-
-Log::~Log()
-{
-    log4cxx::LogManager::shutdown();
+    std::atexit(log4cxx::LogManager::shutdown);
 }

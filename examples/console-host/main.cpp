@@ -40,7 +40,7 @@ int runProgram(std::vector<std::string> arguments)
     if (app.count("--password") == 0) {
         options.password = findPassword();
     }
-    const Log log(options);
+    configureLog(options);
     return HelpDeskJob(options).run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 } // namespace

@@ -1,5 +1,6 @@
 #include "CertificateInfo.h"
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
@@ -45,15 +46,12 @@ std::string fingerprintText(const X509* certificate)
 {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned size = 0;
-    if (X509_digest(certificate, EVP_sha256(), digest.data(), &size) != 1) {
+    std::array<char, digest.size() * 3> text{}; // two digits and a colon, or the zero at the end, each
+    if (X509_digest(certificate, EVP_sha256(), digest.data(), &size) != 1 ||
+        OPENSSL_buf2hexstr_ex(text.data(), text.size(), nullptr, digest.data(), size, ':') != 1) {
         throwUnreadable();
     }
-    std::ostringstream text;
-    text << std::hex << std::uppercase << std::setfill('0');
-    for (unsigned i = 0; i < size; ++i) {
-        text << (i == 0 ? "" : ":") << std::setw(2) << static_cast<unsigned>(digest.at(i));
-    }
-    return text.str();
+    return text.data();
 }
 } // namespace
 

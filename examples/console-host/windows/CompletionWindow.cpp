@@ -7,52 +7,23 @@
 
 struct CompletionWindow::State
 {
-    HWND window = nullptr;
-    bool operationEnded = false;
+    HWND window;
 };
 
-namespace
+// It needs no procedure of its own: what is posted to it passes through the loop of waitForOperation.
+CompletionWindow::CompletionWindow()
+    : m_state(
+          std::make_unique<State>(State{CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPED, 0, 0, 0, 0, nullptr,
+                                                        nullptr, GetModuleHandleW(nullptr), nullptr)}))
 {
-constexpr const wchar_t* className = L"VantryConsoleHost";
-
-/// The window's user data is the flag that the completion message sets.
-LRESULT CALLBACK handleMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    if (message == WM_ASYNC_REQUEST_FINISHED) {
-        *reinterpret_cast<bool*>(GetWindowLongPtrW(window, GWLP_USERDATA)) = true;
-        return 0;
-    }
-    return DefWindowProcW(window, message, wParam, lParam);
-}
-
-[[noreturn]] void throwLastError(const char* what)
-{
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
-}
-} // namespace
-
-CompletionWindow::CompletionWindow() : m_state(std::make_unique<State>())
-{
-    HINSTANCE const module = GetModuleHandleW(nullptr);
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = &handleMessage;
-    windowClass.hInstance = module;
-    windowClass.lpszClassName = className;
-    if (RegisterClassW(&windowClass) == 0) {
-        throwLastError("RegisterClass");
-    }
-    m_state->window =
-        CreateWindowExW(0, className, L"", WS_OVERLAPPED, 0, 0, 0, 0, nullptr, nullptr, module, nullptr);
     if (m_state->window == nullptr) {
-        throwLastError("CreateWindowEx");
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "CreateWindowEx");
     }
-    SetWindowLongPtrW(m_state->window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&m_state->operationEnded));
 }
 
 CompletionWindow::~CompletionWindow()
 {
     DestroyWindow(m_state->window);
-    UnregisterClassW(className, GetModuleHandleW(nullptr));
 }
 
 HWND CompletionWindow::handle() const
@@ -62,12 +33,13 @@ HWND CompletionWindow::handle() const
 
 void CompletionWindow::waitForOperation()
 {
-    m_state->operationEnded = false;
+    bool operationEnded = false;
     std::optional<int> quitCode;
     MSG message;
     // The results may be read only when the operation has ended, even if the program is to end before.
-    while (!m_state->operationEnded) {
+    while (!operationEnded) {
         if (GetMessageW(&message, nullptr, 0, 0) > 0) {
+            operationEnded = message.hwnd == m_state->window && message.message == WM_ASYNC_REQUEST_FINISHED;
             TranslateMessage(&message);
             DispatchMessageW(&message);
         } else {
