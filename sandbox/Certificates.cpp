@@ -135,12 +135,12 @@ std::shared_ptr<X509> createAuthority(EVP_PKEY& key)
 template <typename Object>
 std::string toDer(const Object& object, int (*encode)(const Object*, unsigned char**))
 {
-    unsigned char* bytes = nullptr;
-    const int length = encode(&object, &bytes);
+    const int length = encode(&object, nullptr);
     require(length > 0);
-    const auto owner = owned(
-        bytes, +[](unsigned char* memory) { OPENSSL_free(memory); });
-    return {bytes, bytes + length};
+    std::string der(static_cast<std::size_t>(length), '\0');
+    auto* next = reinterpret_cast<unsigned char*>(der.data());
+    encode(&object, &next);
+    return der;
 }
 
 std::shared_ptr<ssl::context> contextWith(X509& certificate, EVP_PKEY& key)

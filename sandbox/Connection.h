@@ -88,11 +88,7 @@ private:
         m_parser->header_limit(headerLimit);
         m_parser->body_limit(bodyLimit);
         m_head.clear();
-        if (m_unparsed.empty()) {
-            read();
-        } else {
-            parse();
-        }
+        parse();
     }
 
     /// At most one read is under way: one that has watched the client during a reply goes on into the next

@@ -27,9 +27,7 @@ Json toJson(const std::vector<std::shared_ptr<const ReceivedRequest>>& requests)
 Answer contentOf(const std::map<std::string, Attachment>& all, const Request& request)
 {
     const auto found = all.find(std::string(pathOf(view(request.target())).substr(attachments.size())));
-    if (found == all.end()) {
-        throw HttpError(404, "there is no such attachment");
-    }
+    require(found != all.end(), "there is no such attachment", 404);
     return textAnswer("application/octet-stream", std::string(found->second.content));
 }
 

@@ -57,6 +57,14 @@ struct HttpError : std::runtime_error
     unsigned status;
 };
 
+/// @throws HttpError unless it holds
+inline void require(bool holds, const std::string& otherwise, unsigned status = 400)
+{
+    if (!holds) {
+        throw HttpError(status, otherwise);
+    }
+}
+
 inline std::string_view view(boost::beast::string_view text)
 {
     return {text.data(), text.size()};

@@ -13,13 +13,6 @@ namespace
 {
 constexpr std::string_view headEnd = "\r\n\r\n";
 
-void require(bool holds, const char* otherwise)
-{
-    if (!holds) {
-        throw HttpError(400, otherwise);
-    }
-}
-
 std::string fileNameFrom(std::string_view headers)
 {
     headers.remove_prefix(std::min(headers.size(), headers.find("Content-Disposition: form-data;")));

@@ -14,11 +14,6 @@ namespace
 constexpr std::uint64_t longestWaitMs = 3'600'000;
 constexpr std::uint64_t anyNumber = std::numeric_limits<std::uint64_t>::max();
 
-[[noreturn]] void refuse(const std::string& why)
-{
-    throw HttpError(400, why);
-}
-
 /// The members of an order, all of them optional.
 class Members
 {
@@ -26,9 +21,8 @@ public:
     Members(const Json& order, std::initializer_list<std::string_view> known) : m_order(order)
     {
         for (const auto& [name, value] : order.get_ref<const Json::object_t&>()) {
-            if (std::find(known.begin(), known.end(), name) == known.end()) {
-                refuse("there is no member \"" + name + '"');
-            }
+            require(std::find(known.begin(), known.end(), name) != known.end(),
+                    "there is no member \"" + name + '"');
         }
     }
 
@@ -47,9 +41,8 @@ public:
             return absent;
         }
         const Json& value = m_order[name];
-        if (!value.is_number_unsigned() || value < least || value > most) {
-            refuse('"' + std::string(name) + "\" must be a whole number in its range");
-        }
+        require(value.is_number_unsigned() && value >= least && value <= most,
+                '"' + std::string(name) + "\" must be a whole number in its range");
         return value;
     }
 
@@ -61,9 +54,7 @@ public:
     std::string bytes(const char* name) const
     {
         std::optional<std::string> bytes = fromBase64(get<std::string>(name).value_or(""));
-        if (!bytes) {
-            refuse('"' + std::string(name) + "\" must be base64");
-        }
+        require(bytes.has_value(), '"' + std::string(name) + "\" must be base64");
         return *std::move(bytes);
     }
 
@@ -71,10 +62,9 @@ public:
     template <typename Value>
     Value oneOf(const char* name, const std::map<std::string, Value>& values) const
     {
-        const auto found = values.find(m_order.at(name).get<std::string>());
-        if (found == values.end()) {
-            refuse('"' + std::string(name) + "\" cannot be \"" + m_order[name].get<std::string>() + '"');
-        }
+        const auto text = m_order.at(name).get<std::string>();
+        const auto found = values.find(text);
+        require(found != values.end(), '"' + std::string(name) + "\" cannot be \"" + text + '"');
         return found->second;
     }
 
@@ -93,19 +83,19 @@ std::vector<Step> readSteps(const Json& steps)
     return list;
 }
 
+const std::map<std::string, Afterwards> ends{{"close", Afterwards::Close},
+                                             {"drop", Afterwards::Drop},
+                                             {"reset", Afterwards::Reset},
+                                             {"stay", Afterwards::Stay}};
+
 /// What "steps" and "then" make.
 std::optional<Reply> readScript(const Members& members, const Json& order)
 {
-    static const std::map<std::string, Afterwards> ends{{"close", Afterwards::Close},
-                                                        {"drop", Afterwards::Drop},
-                                                        {"reset", Afterwards::Reset},
-                                                        {"stay", Afterwards::Stay}};
     if (!members.has("steps") && !members.has("then")) {
         return std::nullopt;
     }
-    if (members.has("status") || members.has("headers") || members.has("body")) {
-        refuse("there are members of more than one kind of answer");
-    }
+    require(!members.has("status") && !members.has("headers") && !members.has("body"),
+            "there are members of more than one kind of answer");
     return Reply{readSteps(order.at("steps")),
                  members.has("then") ? members.oneOf("then", ends) : Afterwards::Close};
 }
@@ -135,15 +125,11 @@ const std::map<std::string, Misbehaviour>& misbehaviours()
     return all;
 }
 
-const std::map<std::string, CertificateKind>& certificateKinds()
-{
-    static const std::map<std::string, CertificateKind> all{
-        {"expired", CertificateKind::Expired},     {"notYetValid", CertificateKind::NotYetValid},
-        {"otherHost", CertificateKind::OtherHost}, {"selfSigned", CertificateKind::SelfSigned},
-        {"unknownCa", CertificateKind::UnknownCa}, {"other", CertificateKind::Other},
-    };
-    return all;
-}
+const std::map<std::string, CertificateKind> certificateKinds{
+    {"expired", CertificateKind::Expired},     {"notYetValid", CertificateKind::NotYetValid},
+    {"otherHost", CertificateKind::OtherHost}, {"selfSigned", CertificateKind::SelfSigned},
+    {"unknownCa", CertificateKind::UnknownCa}, {"other", CertificateKind::Other},
+};
 } // namespace
 
 PlannedAnswer readPlannedAnswer(const Json& order)
@@ -167,20 +153,17 @@ PlannedAnswer readPlannedAnswer(const Json& order)
 PlannedConnection readPlannedConnection(const Json& order)
 {
     const Members members(order, {"skip", "secure", "fault", "certificate"});
-    if (members.has("fault") == members.has("certificate")) {
-        refuse(R"(either "fault" or "certificate" is expected)");
-    }
+    require(members.has("fault") != members.has("certificate"),
+            R"(either "fault" or "certificate" is expected)");
     PlannedConnection planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.secure = members.get<bool>("secure");
     if (members.has("fault")) {
         planned.misbehaviour = members.oneOf("fault", misbehaviours());
     } else {
-        if (planned.secure == false) {
-            refuse("a connection without TLS has no certificate");
-        }
+        require(planned.secure.value_or(true), "a connection without TLS has no certificate");
         planned.secure = true;
-        planned.certificate = members.oneOf("certificate", certificateKinds());
+        planned.certificate = members.oneOf("certificate", certificateKinds);
     }
     return planned;
 }

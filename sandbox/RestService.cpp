@@ -17,13 +17,6 @@ namespace
 {
 namespace http = boost::beast::http;
 
-void require(bool holds, unsigned status, const char* otherwise)
-{
-    if (!holds) {
-        throw HttpError(status, otherwise);
-    }
-}
-
 std::string text(const Json& object, const char* member)
 {
     return object.at(member).get<std::string>();
@@ -36,8 +29,8 @@ Json readTicket(const Json& body)
                    {"entityId", text(entity, "id")},
                    {"subject", text(body, "subject")},
                    {"detail", text(body, "detail")}};
-    require(ticket["entityType"] == (body.contains("assets") ? "Asset" : "Client"), 400, "a wrong type");
-    require(!text(body, "subject").empty(), 400, "the subject is empty");
+    require(ticket["entityType"] == (body.contains("assets") ? "Asset" : "Client"), "a wrong type");
+    require(!text(body, "subject").empty(), "the subject is empty");
     return ticket;
 }
 
@@ -60,7 +53,7 @@ std::string qualifierOf(const Json& ticket)
 Json readTechNote(const Json& body, const Json& ticket)
 {
     const std::string workTime = text(body, "workTime");
-    require(!workTime.empty() && workTime.find_first_not_of("0123456789") == std::string::npos, 400,
+    require(!workTime.empty() && workTime.find_first_not_of("0123456789") == std::string::npos,
             "the work time must be a string of digits");
     return {{"ticketId", ticket["id"]},
             {"noteText", text(body, "noteText")},
@@ -99,7 +92,7 @@ const Json& recordNamed(const Json& records, const std::string& id)
 {
     const auto found = std::find_if(records.begin(), records.end(),
                                     [&id](const Json& record) { return record["id"].dump() == id; });
-    require(found != records.end(), 404, "there is no such record");
+    require(found != records.end(), "there is no such record", 404);
     return *found;
 }
 
@@ -145,8 +138,8 @@ public:
     {
         Json& sessions = m_state.helpDesk["sessions"];
         const auto session = findSession(sessions, parameter(request, "sessionKey"));
-        require(session != sessions.end(), 404, "there is no such session");
-        require(sendsCookieOf(*session, request), 401, "the cookie is not the session's");
+        require(session != sessions.end(), "there is no such session", 404);
+        require(sendsCookieOf(*session, request), "the cookie is not the session's", 401);
         sessions.erase(session);
         return jsonAnswer(200, {{"type", "Session"}, {"closed", true}});
     }
@@ -164,7 +157,7 @@ public:
         const std::string qualifier = parameter(request, "qualifier");
         require(boost::starts_with(qualifier, "(clientId=") ||
                     boost::starts_with(qualifier, "(assets.assetId="),
-                400, "the qualifier must be (clientId=ID) or (assets.assetId=ID)");
+                "the qualifier must be (clientId=ID) or (assets.assetId=ID)");
         Json list = Json::array();
         for (const Json& ticket : m_state.helpDesk["tickets"]) {
             if (qualifierOf(ticket) == qualifier) {
@@ -179,7 +172,7 @@ public:
         checkCredentials(request);
         const Json body = Json::parse(request.body());
         const Json& reference = body.at("jobticket");
-        require(text(reference, "type") == "JobTicket", 400, "a wrong type");
+        require(text(reference, "type") == "JobTicket", "a wrong type");
         const Json& ticket = recordNamed(m_state.helpDesk["tickets"], text(reference, "id"));
         return created(add(m_state.helpDesk["techNotes"], 2001, readTechNote(body, ticket)), "TechNote");
     }
@@ -190,8 +183,8 @@ public:
         const auto session = findSession(sessions, cookie(request, "wosid"));
         require(session != sessions.end() && sendsCookieOf(*session, request) &&
                     (*session)["user"] == cookie(request, "vantryuser_helpdesk"),
-                401, "the cookies name no open session");
-        require(parameter(request, "type") == "TechNote", 400, "only a TechNote takes attachments");
+                "the cookies name no open session", 401);
+        require(parameter(request, "type") == "TechNote", "only a TechNote takes attachments");
         const Json& note = recordNamed(m_state.helpDesk["techNotes"], parameter(request, "entityId"));
         const UploadedFile file = readUpload(view(request[http::field::content_type]), request.body());
         const auto id =
@@ -204,8 +197,8 @@ public:
 private:
     void checkCredentials(const Request& request) const
     {
-        require(parameter(request, "username") == m_user && parameter(request, "password") == m_password, 401,
-                "the user name or the password is wrong");
+        require(parameter(request, "username") == m_user && parameter(request, "password") == m_password,
+                "the user name or the password is wrong", 401);
     }
 
     SharedState& m_state;
