@@ -2,10 +2,8 @@
 #include "platform/TestWindow.h"
 #include "support/VantryTest.h"
 
-#include <log4cxx/consoleappender.h>
-#include <log4cxx/patternlayout.h>
-
 #include <future>
+#include <iostream>
 
 using namespace std::chrono_literals;
 
@@ -62,9 +60,8 @@ TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)
     sandbox.plan(Answer(201, R"({"id":1001})"));
     operation(L"CreateTicket").start();
     finish(window);
-    const auto self = std::this_thread::get_id();
-    expectLog("asynchronous-host", log.texts([self](auto thread) { return thread == self; }));
-    expectLog("asynchronous-worker", log.texts([self](auto thread) { return thread != self; }));
+    expectLog("asynchronous-host", log.texts(CapturedLog::Threads::caller));
+    expectLog("asynchronous-worker", log.texts(CapturedLog::Threads::others));
 }
 
 namespace
@@ -186,25 +183,15 @@ TEST_F(Asynchronous, ACallAnnouncesItsEndToTheWindowItWasStartedWith)
 }
 
 /// An answer with a number where a text belongs: without a window the exception would reach the host.
-TEST(AsynchronousDeathTest, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
+TEST_F(Asynchronous, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
 {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
+    log.onLine(L"Sending signal async request finished.", [] { std::cerr << "The window is told.\n"; });
+    sandbox.plan(Answer(200, R"([{"id":1,"shortSubject":3}])"));
     const auto listAndDie = [] {
-        const Sandbox sandbox;
-        TestWindow window;
-        const auto console = std::make_shared<log4cxx::ConsoleAppender>(
-            std::make_shared<log4cxx::PatternLayout>(LOG4CXX_STR("%m%n")),
-            log4cxx::ConsoleAppender::getSystemErr());
-        const auto logger = log4cxx::Logger::getLogger(L"CVantryApi");
-        logger->setAdditivity(false);
-        logger->addAppender(console);
-        logger->setLevel(log4cxx::Level::getInfo());
-        sandbox.plan(Answer(200, R"([{"id":1,"shortSubject":3}])"));
-        SetEndPoint(sandbox.http);
-        SetHWND(window.handle());
         RequestTicketList(L"42", Client);
         std::this_thread::sleep_for(20s);
         std::_Exit(0); // still alive
     };
-    EXPECT_DEATH(listAndDie(), "Sending signal async request finished.");
+    EXPECT_DEATH(listAndDie(), "The window is told.");
 }

@@ -31,6 +31,10 @@ protected:
 
 const std::wstring reader = utils + L"handleResponse";
 
+/// An answer, and what is to be had after it.
+template <typename Text>
+using AnswersAndTexts = std::vector<std::pair<Answer, Text>>;
+
 struct Body
 {
     std::string type;
@@ -77,29 +81,24 @@ TEST_F(Outcome, ABodyOfNoUseIsReadForTheTraceAloneAndMayBeBroken)
 {
     const auto broken = Answer::bytes("HTTP/1.1 200 Fine\r\nContent-Type: application/octet-stream\r\n"
                                       "Content-Length: 100\r\n\r\nshort");
-    for (const bool traced : {false, true}) {
+    for (const bool traced : {false, true}) { // WinHTTP's reading ends with what there is, at least in Wine
         CapturedLog::setLevel(traced ? log4cxx::Level::getTrace() : log4cxx::Level::getDebug());
         sandbox.plan(broken);
         CreateSession();
-        EXPECT_EQ(log.containing(L"WARN CVantryApi ").size(), traced && reportsShortBodies() ? 1U : 0U);
+        EXPECT_EQ(log.containing(L"WARN CVantryApi ").size(), traced && !isWindows ? 1U : 0U);
         expectStatus(200, L"Fine");
     }
 }
 
 TEST_F(Outcome, TheSessionIsWhatTheLastAnswerWithABodySaid)
 {
-    struct Row
-    {
-        Answer answer;
-        std::string session;
-    };
     const auto raw = [](const std::string& cookies, const std::string& body) {
         return Answer::bytes("HTTP/1.1 200 OK\r\n" + cookies +
                              "Content-Type: application/json\r\nContent-Length: " +
                              std::to_string(body.size()) + "\r\n\r\n" + body);
     };
     const std::string key = R"({"sessionKey":"k"})";
-    const std::vector<Row> table{
+    const AnswersAndTexts<std::string> table{
         {raw("Set-Cookie: X=1; Path=/\r\n", R"({"sessionKey":"abc"})"), "abc X=1"},
         {Answer(200, "", ""), "abc X=1"},                                           // no body: left
         {Answer(200, "null").header("Set-Cookie", "Y=2; Path=/"), "abc X=1"},       // nor a null one
@@ -114,57 +113,39 @@ TEST_F(Outcome, TheSessionIsWhatTheLastAnswerWithABodySaid)
         {raw("Set-Cookie: D=4;E=5;\r\n", R"([1])"), "null D=4"}};
     for (std::size_t row = 0; row < table.size(); ++row) {
         SCOPED_TRACE("row " + std::to_string(row));
-        sandbox.plan(table[row].answer);
+        sandbox.plan(table[row].first);
         CreateSession();
-        EXPECT_EQ(session(), table[row].session);
+        EXPECT_EQ(session(), table[row].second);
     }
-}
-
-TEST_F(Outcome, ACookieWithoutAnAttributeFailsWithTheGeneralText)
-{
-    sandbox.plan(Answer(200, R"({"sessionKey":"k"})").header("Set-Cookie", "X=1"));
-    CreateSession();
-    const auto texts = log.texts();
-    expectStatus(600, requestFailedText);
-    expectLog("cookie-without-attribute", texts);
 }
 
 TEST_F(Outcome, TheNoteIsKeptReplacedOrForgotten)
 {
-    struct Row
-    {
-        Answer answer;
-        std::string note;
-    };
-    const std::vector<Row> table{{Answer(201, R"({"id":7})"), "7"},   {Answer(200, R"({"id":8})"), ""},
-                                 {Answer(201, R"({"a":9})"), "null"}, {Answer(201, "", ""), "null"},
-                                 {Answer(201, R"([1])"), "null"},     {Answer(201, R"({"id":10})"), "10"},
-                                 {Answer(500, R"({"id":11})"), ""}};
-    for (const auto& row : table) {
-        SCOPED_TRACE(narrow(log.texts().empty() ? L"" : log.texts().back()));
-        sandbox.plan(row.answer);
+    const AnswersAndTexts<std::string> table{
+        {Answer(201, R"({"id":7})"), "7"},   {Answer(200, R"({"id":8})"), ""},
+        {Answer(201, R"({"a":9})"), "null"}, {Answer(201, "", ""), "null"},
+        {Answer(201, R"([1])"), "null"},     {Answer(201, R"({"id":10})"), "10"},
+        {Answer(500, R"({"id":11})"), ""}};
+    for (const auto& [answer, note] : table) {
+        SCOPED_TRACE(answer.plan().dump());
+        sandbox.plan(answer);
         SaveTechNote({});
-        EXPECT_EQ(savedNote(), row.note);
+        EXPECT_EQ(savedNote(), note);
     }
 }
 
 TEST_F(Outcome, TheTicketsIdIsTheServersText)
 {
-    struct Row
-    {
-        Answer answer;
-        std::wstring id;
-    };
-    const std::vector<Row> table{
+    const AnswersAndTexts<std::wstring> table{
         {Answer(201, R"({"id":77})"), L"77"}, {Answer(201, R"({"id":"77"})"), L"\"77\""},
         {Answer(200, R"({"id":78})"), L""},   {Answer(201, R"({"a":1})"), L"null"},
         {Answer(201, "", ""), L""},           {Answer(201, R"("text")"), L"null"},
         {Answer(400, R"({"id":79})"), L""}};
-    for (const auto& row : table) {
-        SCOPED_TRACE(narrow(row.id));
-        sandbox.plan(row.answer);
+    for (const auto& [answer, id] : table) {
+        SCOPED_TRACE(answer.plan().dump());
+        sandbox.plan(answer);
         CreateTicket({});
-        EXPECT_EQ(GetCreatedTicketID(), row.id);
+        EXPECT_EQ(GetCreatedTicketID(), id);
     }
 }
 
@@ -234,8 +215,7 @@ TEST_F(Outcome, AReasonAgainstAnUploadIsNeverReportedAs200)
         expectStatus(row.code, row.message);
         EXPECT_EQ(log.containing(L"ERROR CVantryApi " + api + L"saveAttachment; " + failure).size(),
                   row.complains ? 1U : 0U);
-        const bool named =
-            row.body.find("Too big") != std::string::npos || row.body.find('7') != std::string::npos;
+        const bool named = row.message != L"OK" && row.message != L"Created";
         EXPECT_EQ(log.containing(L"ERROR CVantryApi " + api + L"unsafe_sendRequest_UploadAttachment; " +
                                  row.message)
                       .size(),

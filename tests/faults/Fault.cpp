@@ -120,7 +120,7 @@ std::vector<Fault> readCatalogue()
     for (const auto& section : json::parse(file)) {
         for (const auto& row : section["faults"]) {
             Fault fault(row);
-            if (!isWindows() || !fault.is("linuxOnly")) {
+            if (!isWindows || !fault.is("linuxOnly")) {
                 faults.push_back(std::move(fault));
             }
         }
@@ -136,7 +136,7 @@ Fault::Fault(const json& row)
       endPoint(optional(row, "endPoint", textOf)), credentials(textsOf(row, "credentials")),
       host(row.value("host", "")), calls(callsOf(row)), only(textsOf(row, "only")),
       leaves(row.value("leaves", "")),
-      gives(statusOf(row.value(isWindows() && row.contains("windows") ? "windows" : "gives", json()))),
+      gives(statusOf(row.value(isWindows && row.contains("windows") ? "windows" : "gives", json()))),
       text(optional(row, "text", textOf).value_or(L"")), ticketId(optional(row, "ticketId", textOf)),
       tickets(optional(row, "tickets", [](const auto& count) { return count.template get<std::size_t>(); })),
       flags(row.value("flags", std::vector<std::string>()))

@@ -44,7 +44,7 @@ bool runsInMode(const Fault& fault, bool withWindow, bool evenOperation)
     const bool needsWindow = fault.is("losesWindow") || fault.leaves == "std::system_error";
     const bool needsNone = fault.is("withoutWindow") || (!fault.leaves.empty() && !needsWindow);
     // A process for each is much for Wine to start.
-    const bool takesTurns = fault.is("costly") || (waits(fault) && isWindows());
+    const bool takesTurns = fault.is("costly") || (waits(fault) && isWindows);
     const bool isItsTurn = !takesTurns || withWindow == evenOperation;
     return isItsTurn && (withWindow ? !needsNone : !needsWindow);
 }
@@ -403,7 +403,7 @@ std::vector<Cell> waitingCells()
 TEST_P(EveryFault, EndsAsTheCatalogueSays)
 {
     const auto& fault = *GetParam();
-    if (fault.is("unsanitized") && isSanitized()) {
+    if (fault.is("unsanitized") && isSanitized) {
         GTEST_SKIP() << "not possible, or too much, under a sanitizer";
     }
     const bool downloads = fault.is("downloads");

@@ -12,10 +12,10 @@ void trustAuthority(const std::string& pemFile, const std::string& der);
 /// Whether the authority is trusted during all of the tests, so that those of other cases cannot be run.
 bool authorityStaysTrusted();
 
-bool isWindows();
+constexpr bool isWindows = VANTRY_WINDOWS;
 
 /// Whether a sanitizer runs along.
-bool isSanitized();
+constexpr bool isSanitized = VANTRY_SANITIZED;
 
 /// Memory of this process that is in use, in bytes.
 std::size_t residentMemory();
@@ -24,9 +24,6 @@ std::size_t countThreads();
 
 /// Handles, or descriptors.
 std::size_t countHandles();
-
-/// Whether the HTTP stack takes a body that ends before its Content-Length for an error.
-bool reportsShortBodies();
 
 /// `text` in the calling thread's ANSI code page.
 std::string inThreadCodePage(const std::wstring& text);

@@ -2,6 +2,8 @@
 
 #include "support/Text.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/range/algorithm_ext/erase.hpp>
 #include <log4cxx/appenderskeleton.h>
 #include <log4cxx/spi/loggingevent.h>
 
@@ -11,11 +13,6 @@
 
 namespace
 {
-bool endsWith(const std::wstring& text, const std::wstring& end)
-{
-    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
 std::vector<log4cxx::LoggerPtr> loggers()
 {
     return {log4cxx::Logger::getLogger(L"TAVIKVANTRYAPI"), log4cxx::Logger::getLogger(L"CVantryApi")};
@@ -52,7 +49,7 @@ protected:
                 {wide(event->getLevel()->toString()) + L" " + wide(event->getLoggerName()) + L" " + message,
                  location.getFileName(), location.getLineNumber(), std::this_thread::get_id()});
             for (const auto& [end, action] : actions) {
-                if (endsWith(message, end)) {
+                if (boost::ends_with(message, end)) {
                     due.push_back(action);
                 }
             }
@@ -107,7 +104,7 @@ std::vector<LogLine> CapturedLog::lines() const
     return m_appender->lines;
 }
 
-std::vector<std::wstring> CapturedLog::texts(const std::function<bool(std::thread::id)>& wanted) const
+std::vector<std::wstring> CapturedLog::texts(Threads wanted) const
 {
     auto sorted = lines();
     for (auto line = sorted.begin(); line != sorted.end(); ++line) {
@@ -121,7 +118,8 @@ std::vector<std::wstring> CapturedLog::texts(const std::function<bool(std::threa
     }
     std::vector<std::wstring> result;
     for (const auto& line : sorted) {
-        if (wanted(line.thread)) {
+        const bool isCallers = line.thread == std::this_thread::get_id();
+        if (wanted == Threads::all || isCallers == (wanted == Threads::caller)) {
             result.push_back(line.text);
         }
     }
@@ -131,9 +129,7 @@ std::vector<std::wstring> CapturedLog::texts(const std::function<bool(std::threa
 std::vector<std::wstring> CapturedLog::containing(const std::wstring& part) const
 {
     auto found = texts();
-    found.erase(std::remove_if(found.begin(), found.end(),
-                               [&](const auto& text) { return text.find(part) == std::wstring::npos; }),
-                found.end());
+    boost::remove_erase_if(found, [&](const auto& text) { return !boost::contains(text, part); });
     return found;
 }
 
@@ -141,7 +137,8 @@ bool CapturedLog::waitFor(const std::wstring& end) const
 {
     for (int attempt = 0; attempt < 1000; ++attempt) {
         const auto now = lines();
-        if (std::any_of(now.begin(), now.end(), [&](const auto& line) { return endsWith(line.text, end); })) {
+        if (std::any_of(now.begin(), now.end(),
+                        [&](const auto& line) { return boost::ends_with(line.text, end); })) {
             return true;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -40,11 +40,16 @@ public:
     void clear();
     std::vector<LogLine> lines() const;
 
-    /// The texts of `lines`, of all threads or of those that `wanted` accepts. "Going to run task..." is
+    enum class Threads
+    {
+        all,
+        caller,
+        others
+    };
+
+    /// The texts of `lines`, of all threads, of the calling one or of the others. "Going to run task..." is
     /// logged while the answer is already on its way: what other threads logged before it is moved behind it.
-    std::vector<std::wstring> texts(const std::function<bool(std::thread::id)>& wanted = [](auto) {
-        return true;
-    }) const;
+    std::vector<std::wstring> texts(Threads wanted = Threads::all) const;
 
     /// The texts that contain `part`.
     std::vector<std::wstring> containing(const std::wstring& part) const;

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
+#include <set>
 #include <sstream>
 
 using nlohmann::json;
@@ -25,14 +25,9 @@ std::string environment(const std::string& name)
     return value;
 }
 
-bool belongsToConnection(const std::string& header)
-{
-    constexpr std::array names{"Host", "User-Agent", "Connection", "Accept-Encoding"};
-    return std::find(names.begin(), names.end(), header) != names.end();
-}
-
 Request parsed(bool secure, const std::string& raw)
 {
+    static const std::set<std::string> ofTheConnection{"Host", "User-Agent", "Connection", "Accept-Encoding"};
     const auto end = raw.find("\r\n\r\n");
     Request request{secure, "", "", {}, raw.substr(end + 4)};
     std::istringstream head(raw.substr(0, end + 2));
@@ -43,7 +38,7 @@ Request parsed(bool secure, const std::string& raw)
         const auto colon = line.find(':');
         const auto value = line.find_first_not_of(' ', colon + 1);
         const auto name = line.substr(0, colon);
-        if (!belongsToConnection(name)) {
+        if (ofTheConnection.count(name) == 0) {
             request.headers[name] = line.substr(value, line.size() - value - 1); // without the CR
         }
     }
@@ -134,45 +129,10 @@ Request Sandbox::onlyRequest() const
     return sent.size() == 1 ? sent.front() : Request{};
 }
 
-void Sandbox::forgetRequests() const
-{
-    control(web::http::methods::DEL, "/requests");
-}
-
-void Sandbox::plan(const Answer& answer) const
-{
-    control(web::http::methods::POST, "/answers", answer.plan().dump());
-}
-
-void Sandbox::planConnection(const json& fate) const
-{
-    control(web::http::methods::POST, "/connections", fate.dump());
-}
-
-void Sandbox::forgetPlans() const
-{
-    control(web::http::methods::DEL, "/plans");
-}
-
-void Sandbox::reset() const
-{
-    control(web::http::methods::POST, "/reset");
-}
-
-json Sandbox::state() const
-{
-    return json::parse(get("/state"));
-}
-
-std::string Sandbox::get(const std::string& path) const
-{
-    return control(web::http::methods::GET, path);
-}
-
-std::string Sandbox::control(const web::http::method& method, const std::string& path,
+std::string Sandbox::control(const std::string& method, const std::string& path,
                              const std::string& body) const
 {
-    web::http::http_request request(method);
+    web::http::http_request request(to_string_t(method));
     request.set_request_uri(to_string_t(path));
     if (!body.empty()) {
         request.set_body(body, "application/json");

@@ -2,11 +2,10 @@
 /// The stand-in server that every test has for itself, seen through its control interface.
 #pragma once
 
-#include "support/Step.h"
-
 #include <cpprest/http_client.h>
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -19,6 +18,15 @@ struct Request
     std::string target;
     std::map<std::string, std::string> headers;
     std::string body;
+};
+
+/// A piece of an answer in the server's own bytes, written `times` times (0: until the client goes), after a
+/// wait each.
+struct Step
+{
+    std::string bytes;
+    int waitMs = 0;
+    std::uint64_t times = 1;
 };
 
 /// An answer that replaces the sandbox's own, once.
@@ -65,25 +73,25 @@ public:
     /// The only request so far but for probes; an empty one, and a failure of the test, if there is another
     /// number.
     Request onlyRequest() const;
-    void forgetRequests() const;
+    void forgetRequests() const { control("DELETE", "/requests"); }
 
-    void plan(const Answer& answer) const;
+    void plan(const Answer& answer) const { control("POST", "/answers", answer.plan().dump()); }
     /// The fate of a connection to come, in the control interface's words.
-    void planConnection(const nlohmann::json& fate) const;
+    void planConnection(const nlohmann::json& fate) const { control("POST", "/connections", fate.dump()); }
     /// Forgets what was planned and has not come.
-    void forgetPlans() const;
+    void forgetPlans() const { control("DELETE", "/plans"); }
 
     /// Has it forget everything that it holds, recorded and was told.
-    void reset() const;
+    void reset() const { control("POST", "/reset"); }
 
-    nlohmann::json state() const;
+    nlohmann::json state() const { return nlohmann::json::parse(get("/state")); }
     /// The body of GET `path` on the control interface.
-    std::string get(const std::string& path) const;
+    std::string get(const std::string& path) const { return control("GET", path); }
 
 private:
     std::vector<Request> allRequests() const;
     /// The answer's body.
-    std::string control(const web::http::method& method, const std::string& path,
+    std::string control(const std::string& method, const std::string& path,
                         const std::string& body = "") const;
 
     mutable web::http::client::http_client m_control;

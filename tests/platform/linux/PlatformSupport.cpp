@@ -28,20 +28,6 @@ bool authorityStaysTrusted()
     return false;
 }
 
-bool isWindows()
-{
-    return false;
-}
-
-bool isSanitized()
-{
-#ifdef VANTRY_SANITIZED
-    return true;
-#else
-    return false;
-#endif
-}
-
 std::size_t residentMemory()
 {
     std::ifstream statm("/proc/self/statm");
@@ -59,11 +45,6 @@ std::size_t countThreads()
 std::size_t countHandles()
 {
     return countEntries("/proc/self/fd");
-}
-
-bool reportsShortBodies()
-{
-    return true;
 }
 
 std::string inThreadCodePage(const std::wstring& text)

@@ -29,16 +29,6 @@ void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
     trustByUser(der);
 }
 
-bool isWindows()
-{
-    return true;
-}
-
-bool isSanitized()
-{
-    return false;
-}
-
 std::size_t residentMemory()
 {
     PROCESS_MEMORY_COUNTERS counters{};
@@ -86,19 +76,12 @@ std::size_t countHandles()
     return handles;
 }
 
-// WinHTTP's reading ends with what there is, at least in Wine.
-bool reportsShortBodies()
-{
-    return false;
-}
-
 std::string inThreadCodePage(const std::wstring& text)
 {
-    const auto length = static_cast<int>(text.size());
-    std::string bytes(static_cast<std::size_t>(WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length,
-                                                                   nullptr, 0, nullptr, nullptr)),
-                      '\0');
-    WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), length, bytes.data(), static_cast<int>(bytes.size()),
-                        nullptr, nullptr);
+    constexpr std::size_t longest = 4; // bytes of one character in any code page
+    std::string bytes(text.size() * longest, '\0');
+    const int length = WideCharToMultiByte(CP_THREAD_ACP, 0, text.data(), static_cast<int>(text.size()),
+                                           bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr);
+    bytes.resize(static_cast<std::size_t>(length));
     return bytes;
 }
