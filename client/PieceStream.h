@@ -4,6 +4,7 @@
 
 #include <cpprest/streams.h>
 
+#include <cstdint>
 #include <string_view>
 #include <vector>
 

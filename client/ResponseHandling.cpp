@@ -35,9 +35,9 @@ utility::string_t parametersOf(const utility::string_t& contentType)
 
 bool isUtf8Json(const utility::string_t& contentType)
 {
-    const auto parameters = parametersOf(contentType);
-    return boost::starts_with(contentType, U("application/json")) &&
-           (contentType.size() == 16 || boost::iequals(parameters, U("charset=utf-8")));
+    return contentType == U("application/json") ||
+           (boost::starts_with(contentType, U("application/json")) &&
+            boost::iequals(parametersOf(contentType), U("charset=utf-8")));
 }
 
 bool isUtf8Text(const utility::string_t& contentType)
