@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
+#include <stdexcept>
 
 using nlohmann::json;
 
@@ -113,12 +115,40 @@ std::map<std::wstring, std::function<void()>> callsOf(const json& row)
     return calls;
 }
 
+/// @throws std::invalid_argument for a word that nothing reads: the row would test something else than it
+/// says
+template <typename Words>
+void requireKnown(const Words& words, const std::set<std::string>& known)
+{
+    for (const auto& word : words) {
+        if (known.count(word) == 0) {
+            throw std::invalid_argument("the catalogue of faults has an unknown word: " + word);
+        }
+    }
+}
+
+void requireKnownWords(const json& row)
+{
+    std::vector<std::string> members;
+    for (const auto& [member, value] : row.items()) {
+        members.push_back(member);
+    }
+    requireKnown(members, {"answer", "but",     "connection", "credentials", "endPoint", "fileName",
+                           "flags",  "gives",   "host",       "identifier",  "leaves",   "name",
+                           "note",   "only",    "over",       "probe",       "stage",    "text",
+                           "ticket", "tickets", "ticketId",   "what",        "windows"});
+    requireKnown(row.value("flags", std::vector<std::string>()),
+                 {"costly", "downloads", "linuxOnly", "losesWindow", "orUsual", "silent", "text",
+                  "unsanitized", "waits", "withoutWindow"});
+}
+
 std::vector<Fault> readCatalogue()
 {
     std::ifstream file("tests/faults/faults.json");
     std::vector<Fault> faults;
     for (const auto& section : json::parse(file)) {
         for (const auto& row : section["faults"]) {
+            requireKnownWords(row);
             Fault fault(row);
             if (!isWindows || !fault.is("linuxOnly")) {
                 faults.push_back(std::move(fault));
