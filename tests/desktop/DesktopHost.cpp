@@ -8,6 +8,7 @@
 #include <array>
 #include <cstring>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 namespace
@@ -114,15 +115,20 @@ DWORD Process::exitCode() const
     return code;
 }
 
+static void require(bool succeeded, const char* what)
+{
+    if (!succeeded) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+    }
+}
+
 /// Memory of the host's process, which messages about its lists have to point to.
 struct DesktopHost::RemoteMemory
 {
     RemoteMemory(HANDLE owner, std::size_t size)
         : process(owner), address(VirtualAllocEx(owner, nullptr, size, MEM_COMMIT, PAGE_READWRITE))
     {
-        if (address == nullptr) {
-            throw std::runtime_error("VirtualAllocEx failed");
-        }
+        require(address != nullptr, "VirtualAllocEx");
     }
     ~RemoteMemory() { VirtualFreeEx(process, address, 0, MEM_RELEASE); }
     RemoteMemory(const RemoteMemory&) = delete;
@@ -132,11 +138,11 @@ struct DesktopHost::RemoteMemory
 
     void write(const void* data, std::size_t size) const
     {
-        WriteProcessMemory(process, address, data, size, nullptr);
+        require(WriteProcessMemory(process, address, data, size, nullptr) != FALSE, "WriteProcessMemory");
     }
     void read(void* data, std::size_t size) const
     {
-        ReadProcessMemory(process, address, data, size, nullptr);
+        require(ReadProcessMemory(process, address, data, size, nullptr) != FALSE, "ReadProcessMemory");
     }
 
     HANDLE process;
@@ -238,6 +244,9 @@ void DesktopHost::drop(const std::vector<std::filesystem::path>& files) const
     std::memcpy(data.data(), &header, sizeof header);
     std::memcpy(data.data() + sizeof header, names.data(), names.size() * sizeof(wchar_t));
     void* const memory = VirtualAllocEx(m_process.handle(), nullptr, data.size(), MEM_COMMIT, PAGE_READWRITE);
-    WriteProcessMemory(m_process.handle(), memory, data.data(), data.size(), nullptr);
-    PostMessageW(m_window.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+    require(memory != nullptr, "VirtualAllocEx");
+    require(WriteProcessMemory(m_process.handle(), memory, data.data(), data.size(), nullptr) != FALSE,
+            "WriteProcessMemory");
+    require(PostMessageW(m_window.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0) != FALSE,
+            "PostMessage");
 }
