@@ -150,10 +150,11 @@ double peakOf(const Work& work, std::size_t who)
 
 double peakInProcessOfItsOwn(const std::string& program, std::size_t work, std::size_t who)
 {
-    const auto command = program + " --peak " + std::to_string(work) + " " + std::to_string(who);
-    const std::unique_ptr<FILE, int (*)(FILE*)> child(popen(command.c_str(), "r"), &pclose);
+    const auto command = '"' + program + "\" --peak " + std::to_string(work) + " " + std::to_string(who);
+    FILE* const child = popen(command.c_str(), "r");
     double bytes = 0;
-    if (!child || std::fscanf(child.get(), "%lf", &bytes) != 1) {
+    const bool isMeasured = child != nullptr && std::fscanf(child, "%lf", &bytes) == 1;
+    if (child == nullptr || pclose(child) != 0 || !isMeasured) {
         throw std::runtime_error("cannot measure in a process of its own: " + command);
     }
     return bytes;
