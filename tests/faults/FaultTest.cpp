@@ -276,7 +276,7 @@ private:
         const auto& name = cell.operation->exportName;
         const auto& fault = *cell.fault;
         if (fault.leaves.empty()) {
-            const auto status = GetLastResponse();
+            const auto& status = GetLastResponse();
             EXPECT_EQ(status.httpStatusCode, statusOf(cell).value_or(cell.operation->success))
                 << narrow(status.errorMessage);
             EXPECT_NE(status.errorMessage.find(fault.text), std::wstring::npos)

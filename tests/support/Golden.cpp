@@ -37,7 +37,7 @@ void expectGolden(const std::string& name, const std::vector<std::wstring>& line
     const auto path = "tests/golden/" + name + ".log";
     const auto actual = marked(lines, marks);
     if (std::getenv("VANTRY_UPDATE_GOLDEN") != nullptr) {
-        const auto written = std::ofstream(path, std::ios::binary).write(actual.data(), actual.size()).good();
+        const auto written = (std::ofstream(path, std::ios::binary) << actual).good();
         ADD_FAILURE() << (written ? "wrote " : "cannot write ") << path;
         return;
     }
