@@ -35,6 +35,15 @@ bool CVantryApi::perform(const wchar_t* operation, const std::function<web::uri(
     return true;
 }
 
+bool CVantryApi::performPost(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
+                             const web::json::value& body, Utils::JsonAnswer& answer)
+{
+    return perform(operation, prepareRequest, [&](const web::uri& requestUri) {
+        return sendRequest_ProvideServerResponse(requestUri, fromRestText(web::http::methods::POST), body,
+                                                 answer);
+    });
+}
+
 bool CVantryApi::prepare(const wchar_t* operation, const std::function<void()>& step)
 {
     LUMO_LINES_OF(m_logger, operation);

@@ -6,9 +6,7 @@
 
 #include <string>
 
-using Platform::fromRestText;
 using Platform::toRestText;
-using web::http::methods;
 using web::http::status_codes;
 
 namespace json = web::json;
@@ -49,9 +47,7 @@ void CVantryApi::saveTechNote(const TechNote& techNote)
         return requestUri;
     };
     Utils::JsonAnswer answer;
-    if (!perform(lumoName, prepareRequest, [&](const web::uri& requestUri) {
-            return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body, answer);
-        })) {
+    if (!performPost(lumoName, prepareRequest, body, answer)) {
         return;
     }
     if (m_lastResponse.httpStatusCode != status_codes::Created) {

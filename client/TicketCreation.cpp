@@ -4,9 +4,7 @@
 #include "Utils.h"
 #include "VantryApi.h"
 
-using Platform::fromRestText;
 using Platform::toRestText;
-using web::http::methods;
 using web::http::status_codes;
 
 namespace json = web::json;
@@ -52,11 +50,7 @@ void CVantryApi::createTicket(const TicketCreationInformation& ticket)
         return requestUri;
     };
     Utils::JsonAnswer answer;
-    if (!perform(lumoName, prepareRequest,
-                 [&](const web::uri& requestUri) {
-                     return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::POST), body,
-                                                              answer);
-                 }) ||
+    if (!performPost(lumoName, prepareRequest, body, answer) ||
         m_lastResponse.httpStatusCode != status_codes::Created) {
         return;
     }

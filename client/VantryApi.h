@@ -127,6 +127,10 @@ private:
     bool perform(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
                  const std::function<ResponseStatus(const web::uri&)>& send);
 
+    /// The same with a POST of `body`, which is read after `prepareRequest`. Leaves the answer in `answer`.
+    bool performPost(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
+                     const web::json::value& body, Utils::JsonAnswer& answer);
+
     /// Runs a step before the sending. A standard exception ends the operation: it is logged, becomes the
     /// last response (600), and the answer is false.
     bool prepare(const wchar_t* operation, const std::function<void()>& step);
