@@ -73,10 +73,13 @@ pplx::task<JsonAnswer> extractJson(http_response& response, const utility::strin
     if (!isUtf8Json(contentType)) {
         return response.extract_json().then([](json::value value) { return shared(std::move(value)); });
     }
-    return response.content_ready().then([](const http_response& complete) {
+    const auto read = [](const http_response& complete) {
         auto text = restTextOfUtf8(bodyBytes(complete));
         return shared(text.empty() ? json::value() : parsed(std::move(text)));
-    });
+    };
+    // A short body is there with its head, and need not go to another thread.
+    const auto complete = response.content_ready();
+    return complete.is_done() ? pplx::task_from_result(read(complete.get())) : complete.then(read);
 }
 
 utility::string_t extractText(http_response& response, const utility::string_t& contentType)
