@@ -27,10 +27,10 @@ __attribute__((constructor)) static void find_pthread_exit(void)
 // A thread that is killed ends at once: in the handler of the signal, which is blocked there. One that ends
 // of itself is not killed on top of that.
 //
-// Wine leaves the killed thread's stack as it is and calls pthread_exit(), which runs the cleanup handlers
-// that are still registered. A thread that was about to end has one of pthread_join(), by which Wine's
-// threads wait for each other. Its frame is overwritten by then, the call goes astray, and the process ends
-// with 1 or 139 after all has gone well.
+// Wine leaves the killed thread's stack as it is and calls pthread_exit(), which unwinds and runs the cleanup
+// handlers that are still registered. A thread that was about to end has one of pthread_join(), by which
+// Wine's threads wait for each other, or was within pthread_exit() already. The frames are overwritten or
+// half unwound by then, a call goes astray, and the process ends with 1 or 139 after all has gone well.
 __attribute__((noreturn)) void pthread_exit(void* result)
 {
     sigset_t all, blocked;
