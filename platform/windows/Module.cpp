@@ -6,6 +6,7 @@
 #include <log4cxx/logmanager.h>
 
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -40,6 +41,14 @@ DWORD WINAPI runWork(LPVOID argument) noexcept
     return 0;
 }
 
+/// The first exception of a process makes the run-time of mingw-w64 prepare what each thread has of its own,
+/// under a lock. If that is a thread of the pool and the end of the process kills it there, libstdc++ waits
+/// for the lock for ever when it is cleaned up. So it is prepared before there are such threads.
+void prepareThreadStorage()
+{
+    static_cast<void>(std::current_exception());
+}
+
 /// The end of the process has killed a thread, perhaps while it wrote a line. log4cxx, which is cleaned up
 /// after this module, would close that line's appender and wait for its lock for ever. So the appenders are
 /// never closed.
@@ -54,6 +63,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID endOfProce
 {
     if (reason == DLL_PROCESS_ATTACH) {
         ownModule = module;
+        prepareThreadStorage();
         Platform::runTasksWithModuleHeld();
     } else if (reason == DLL_PROCESS_DETACH && endOfProcess != nullptr && runningThreads != 0) {
         keepAppendersOpen();
