@@ -3,8 +3,6 @@
 #include "RestText.h"
 #include "VantryApi.h"
 
-#include <cpprest/containerstream.h>
-
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
@@ -91,11 +89,10 @@ utility::string_t extractText(http_response& response, const utility::string_t& 
 void traceBody(const http_response& response)
 {
     try {
-        const concurrency::streams::container_buffer<std::string> bytes;
-        response.body()
-            .read_to_end(bytes)
-            .then([bytes](std::size_t /*count*/) {
-                LUMO_LINE(CVantryApi::m_logger, Trace, "Full server response: " << bytes.collection());
+        response.content_ready()
+            .then([](const http_response& complete) {
+                const auto bytes = bodyBytes(complete);
+                LUMO_LINE(CVantryApi::m_logger, Trace, "Full server response: " << bytes);
             })
             .wait();
     } catch (const std::exception& e) {
