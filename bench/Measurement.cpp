@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <numeric>
+#include <random>
 
 namespace
 {
@@ -33,8 +35,12 @@ std::vector<Samples> measure(const std::vector<Contender>& contenders, int round
         add(warmUp, contender);
         all.push_back({contender.name, {}, 0, {}});
     }
+    std::vector<std::size_t> order(contenders.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::mt19937 random; // the same orders in every run
     for (int round = 0; round < rounds; ++round) {
-        for (std::size_t i = 0; i < contenders.size(); ++i) {
+        std::shuffle(order.begin(), order.end(), random);
+        for (const auto i : order) {
             add(all[i], contenders[i]);
         }
     }

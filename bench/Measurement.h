@@ -36,7 +36,9 @@ struct Samples
     std::optional<long> switches;
 };
 
-/// Calls the contenders in turn, `rounds` times after one to warm up, so that noise hits all alike.
+/// Calls the contenders in turn, `rounds` times after one to warm up, so that noise hits all alike. Each
+/// round has an order of its own: a call is a little slower after one that has let threads and caches go
+/// cold.
 std::vector<Samples> measure(const std::vector<Contender>& contenders, int rounds);
 
 double quantile(std::vector<double> values, double part);
