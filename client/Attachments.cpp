@@ -95,7 +95,7 @@ ResponseStatus CVantryApi::unsafe_sendRequest_UploadAttachment(const web::uri& r
     const PieceStream body({around.head, attachment.data, around.tail});
     request.set_body(body.stream(), length, U("text/plain; charset=utf-8"));
 
-    const auto base = Utils::baseAddress(web::uri(toRestText(m_endPoint))) + L"/helpdesk";
+    const auto base = Utils::baseAddress(Utils::serverAddress(m_endPoint)) + L"/helpdesk";
     LUMO_INFO(L"Setting the end point for uploading attachment: " << base);
 
     Utils::JsonAnswer answer;

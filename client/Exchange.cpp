@@ -1,6 +1,7 @@
 #include "AnswerBounds.h"
 #include "GuardedCall.h"
 #include "RestText.h"
+#include "Utils.h"
 #include "VantryApi.h"
 
 #include <memory>
@@ -33,7 +34,7 @@ ResponseStatus CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::
         const LumoLogBlock block(m_logger, L"Running request");
         return Utils::handleResponse(response);
     };
-    auto status = exchange(lumoName, uri(toRestText(m_endPoint)), request, reader, result);
+    auto status = exchange(lumoName, Utils::serverAddress(m_endPoint), request, reader, result);
     logAnswer(lumoName, *result);
     return status;
 }

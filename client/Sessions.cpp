@@ -111,7 +111,7 @@ ResponseStatus CVantryApi::unsafe_sendRequest_CreateSession(const uri& requestUr
         cookie = setCookie(response);
         return Utils::handleResponse(response);
     };
-    auto status = exchange(lumoName, uri(toRestText(m_endPoint)), request, reader, answer);
+    auto status = exchange(lumoName, Utils::serverAddress(m_endPoint), request, reader, answer);
     if (!answer->is_null()) {
         auto key = Utils::jsonText(Utils::member(*answer, U("sessionKey")));
         boost::trim_if(key, boost::is_any_of(L" \""));
@@ -129,7 +129,8 @@ ResponseStatus CVantryApi::unsafe_sendRequest_CloseSession(const uri& requestUri
     request.headers()[U("Cookie")] = toRestText(m_session.m_sessionCookie);
 
     Utils::JsonAnswer answer;
-    auto status = exchange(lumoName, uri(toRestText(m_endPoint)), request, &Utils::handleResponse, answer);
+    auto status =
+        exchange(lumoName, Utils::serverAddress(m_endPoint), request, &Utils::handleResponse, answer);
     logAnswer(lumoName, *answer);
     return status;
 }

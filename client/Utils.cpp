@@ -9,6 +9,8 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include <array>
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 
 using Platform::fromRestText;
@@ -26,10 +28,19 @@ std::wstring LoadStringW(std::uint32_t id)
     return text.data();
 }
 
+uri serverAddress(const std::wstring& url)
+{
+    uri address(toRestText(url));
+    if (address.port() > std::numeric_limits<std::uint16_t>::max()) {
+        throw std::invalid_argument("The port of the endpoint is greater than 65535.");
+    }
+    return address;
+}
+
 std::wstring getSchemeIpAsUrl(const std::wstring& url)
 {
     const LumoLogBlock block(CVantryApi::m_logger, "VantryIntegrationApi::Utils::getSchemeIpAsUrl");
-    return baseAddress(uri(toRestText(url)));
+    return baseAddress(serverAddress(url));
 }
 
 std::wstring baseAddress(const uri& url)
@@ -44,7 +55,7 @@ std::wstring baseAddress(const uri& url)
 bool isSecureScheme(const std::wstring& url)
 {
     // The REST SDK's URI has its scheme in small letters, however the host wrote it. What counts is how.
-    return uri(toRestText(url)).scheme() == U("https") && boost::starts_with(url, L"https");
+    return serverAddress(url).scheme() == U("https") && boost::starts_with(url, L"https");
 }
 
 utility::string_t minimallyEncoded(const std::wstring& text)

@@ -14,15 +14,21 @@ namespace VantryIntegrationApi::Utils
 /// Text of the module's string table, at most 511 characters; empty for an unknown id.
 std::wstring LoadStringW(std::uint32_t id);
 
+/// The address of a server. The system would take a port modulo 65,536, and what is sent would reach another
+/// server.
+/// @throws web::uri_exception if `url` cannot be parsed; std::range_error if it is malformed text;
+///         std::invalid_argument if there is no such port
+web::uri serverAddress(const std::wstring& url);
+
 /// Scheme, host and port (if one is written) of `url`, as `scheme://host:port`.
-/// @throws web::uri_exception if `url` cannot be parsed; std::range_error if it is malformed text
+/// @throws as `serverAddress`
 std::wstring getSchemeIpAsUrl(const std::wstring& url);
 
 /// The same of a parsed URI, unlogged.
 std::wstring baseAddress(const web::uri& url);
 
 /// Whether the scheme of `url` is exactly "https".
-/// @throws web::uri_exception if `url` cannot be parsed; std::range_error if it is malformed text
+/// @throws as `serverAddress`
 bool isSecureScheme(const std::wstring& url);
 
 /// `text` for a query, percent-encoded only where a character has no raw form in a URI.

@@ -70,6 +70,14 @@ std::vector<Cell> cellsOf(const Fault& fault)
     return cells;
 }
 
+/// The endpoint with a port that is its own modulo 65,536.
+std::wstring withPortBeyond(std::wstring endPoint)
+{
+    const auto port = endPoint.rfind(L':') + 1;
+    const auto digits = endPoint.find(L'/', port) - port;
+    return endPoint.replace(port, digits, std::to_wstring(std::stoi(endPoint.substr(port, digits)) + 65536));
+}
+
 /// Without a value: success. What still arrives when the REST SDK gives up waiting may or may not count: the
 /// outcome is then one of two.
 std::optional<int> statusOf(const Cell& cell)
@@ -202,9 +210,11 @@ private:
         SetHWND(cell.withWindow ? m_window->handle() : nullptr);
         log.clear();
         if (fault.endPoint) {
-            SetEndPoint(boost::replace_all_copy(
-                boost::replace_all_copy(*fault.endPoint, L"{plain}", sandbox.http.substr(4)), L"{secure}",
-                sandbox.https.substr(5)));
+            auto endPoint = *fault.endPoint;
+            boost::replace_all(endPoint, L"{plain}", sandbox.http.substr(4));
+            boost::replace_all(endPoint, L"{secure}", sandbox.https.substr(5));
+            boost::replace_all(endPoint, L"{beyond}", withPortBeyond(sandbox.http).substr(4));
+            SetEndPoint(endPoint);
         }
         if (!fault.credentials.empty()) {
             SetCredentials(fault.credentials[0], fault.credentials[1]);
