@@ -113,8 +113,9 @@ using ValidateCertificateCallback = std::function<bool(const CERT_CONTEXT&)>;
 
 extern "C" {
 /// Sets the REST endpoint: scheme, host, optional port and base path, without a slash at the end. Stored as
-/// it is; a malformed one fails in the next operation (status 600). The scheme is `http` or `https` in small
-/// letters: `HTTPS` is sent over TLS without validation, and the callback is not asked.
+/// it is; a malformed one, or one whose port is greater than 65535, fails in the next operation (status 600).
+/// The scheme is `http` or `https` in small letters: `HTTPS` is sent over TLS without validation, and the
+/// callback is not asked.
 /// @code
 /// SetEndPoint(L"https://helpdesk.example.com:8443/helpdesk/rest");
 /// @endcode
