@@ -36,9 +36,11 @@ std::string bytesOf(const json& value)
         const auto star = bytes.find('*', at);
         const auto end = bytes.find(">>", star);
         const auto piece = bytes.substr(star + 1, end - star - 1);
+        const auto count = std::stoi(bytes.substr(at + 2));
+        const bool numbered = piece.find('#') != std::string::npos;
         std::string all;
-        for (int i = 0; i < std::stoi(bytes.substr(at + 2)); ++i) {
-            all += boost::replace_all_copy(piece, "#", std::to_string(i));
+        for (int i = 0; i < count; ++i) {
+            all += numbered ? boost::replace_all_copy(piece, "#", std::to_string(i)) : piece;
         }
         bytes.replace(at, end + 2 - at, all);
     }

@@ -152,6 +152,9 @@ protected:
         checkOutcome(cell);
         checkRequests(cell);
         checkLog(cell);
+        if (cell.fault->answer || cell.fault->probe || cell.fault->connection) {
+            sandbox.forgetPlans();
+        }
         restore(cell.secure);
         if (cell.operation->exportName == L"SaveTechNote") {
             checkNoteOfNextUpload(cell);
@@ -367,7 +370,6 @@ private:
 
     void restore(bool secure)
     {
-        sandbox.forgetPlans();
         SetHWND(nullptr);
         SetEndPoint(secure ? sandbox.https : sandbox.http);
         SetCredentials(sandbox.user, sandbox.password);
