@@ -16,13 +16,13 @@ public:
 
     ~SignalAsyncRequestFinishedWrapper()
     {
-        LUMO_FUNCTION(
+        const LumoFunction log(
             CVantryApi::m_logger,
             "VantryIntegrationApi::SignalAsyncRequestFinishedWrapper::~SignalAsyncRequestFinishedWrapper");
         if (m_window == nullptr) {
             return;
         }
-        LUMO_INFO(L"Sending signal async request finished.");
+        LUMO_INFO(log, L"Sending signal async request finished.");
         // ERROR_INVALID_WINDOW_HANDLE (the window is gone), ERROR_NOT_ENOUGH_QUOTA (its queue is full),
         // ERROR_ACCESS_DENIED (a window of a process with higher rights): there is nobody left to tell.
         PostMessageW(m_window, WM_ASYNC_REQUEST_FINISHED, 0, 0);

@@ -1,7 +1,8 @@
+#include "Addresses.h"
 #include "AnswerBounds.h"
 #include "GuardedCall.h"
+#include "ResponseHandling.h"
 #include "RestText.h"
-#include "Utils.h"
 #include "VantryApi.h"
 
 #include <memory>
@@ -15,68 +16,55 @@ namespace json = web::json;
 
 namespace VantryIntegrationApi
 {
-ResponseStatus CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::wstring& method,
-                                              const json::value& body, Utils::JsonAnswer& result)
+ServerAnswer CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::wstring& method,
+                                            const json::value& body)
 {
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest");
-    LUMO_INFO(L"We are sending request with method: " << method);
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest");
+    LUMO_INFO(log, L"We are sending request with method: " << method);
 
     web::http::http_request request(toRestText(method));
     request.set_request_uri(requestUri);
     if (request.method() == methods::POST || request.method() == methods::PUT) {
         auto text = body.serialize();
-        LUMO_INFO(L"We are sending request with data: " << fromRestText(text));
+        LUMO_INFO(log, L"We are sending request with data: " << fromRestText(text));
         request.set_body(std::move(text), U("text/plain"));
         request.headers().set_content_type(U("application/json"));
     }
 
-    const auto reader = [](web::http::http_response& response) {
+    auto answer = exchange(log, Utils::serverAddress(m_endPoint), request, [](auto& response) {
         const LumoLogBlock block(m_logger, L"Running request");
         return Utils::handleResponse(response);
-    };
-    auto status = exchange(lumoName, Utils::serverAddress(m_endPoint), request, reader, result);
-    logAnswer(lumoName, *result);
-    return status;
+    });
+    logAnswer(log, answer.body);
+    return answer;
 }
 
-ResponseStatus CVantryApi::exchange(const wchar_t* caller, const uri& base, web::http::http_request& request,
-                                    const ResponseReader& reader, Utils::JsonAnswer& result)
+ServerAnswer CVantryApi::exchange(const LumoFunction& log, const uri& base, web::http::http_request& request,
+                                  const ResponseReader& reader)
 {
-    LUMO_LINES_OF(m_logger, caller);
     web::http::client::http_client client(base, getClientConfig(false));
     const BoundedAnswer bounded(request);
-    const auto status = std::make_shared<ResponseStatus>();
-    auto answer = client.request(request).then([status, &reader](web::http::http_response response) {
-        *status = {response.status_code(), fromRestText(response.reason_phrase())};
-        return reader(response);
+    const auto answer = std::make_shared<ServerAnswer>();
+    auto answered = client.request(request).then([answer, &reader](web::http::http_response response) {
+        answer->status = {response.status_code(), fromRestText(response.reason_phrase())};
+        answer->body = reader(response);
     });
-    LUMO_DEBUG(L"Going to run tasks and get results.");
-    answer.wait();
-    result = answer.get();
-    return *status;
+    LUMO_DEBUG(log, L"Going to run tasks and get results.");
+    answered.wait();
+    return std::move(*answer);
 }
 
-void CVantryApi::logAnswer(const wchar_t* caller, const json::value& answer)
+void CVantryApi::logAnswer(const LumoFunction& log, const json::value& answer)
 {
-    LUMO_LINES_OF(m_logger, caller);
     if (!answer.is_null()) {
-        LUMO_INFO(L"Server's response: " << Utils::jsonText(answer));
+        LUMO_INFO(log, L"Server's response: " << Utils::jsonText(answer));
     }
 }
 
-ResponseStatus CVantryApi::sendRequest_ProvideServerResponse(const uri& requestUri,
-                                                             const std::wstring& method,
-                                                             Utils::JsonAnswer& result)
-{
-    return sendRequest_ProvideServerResponse(requestUri, method, json::value::null(), result);
-}
-
-ResponseStatus CVantryApi::sendRequest_ProvideServerResponse(const uri& requestUri,
-                                                             const std::wstring& method,
-                                                             const json::value& body,
-                                                             Utils::JsonAnswer& result)
+ServerAnswer CVantryApi::sendRequest_ProvideServerResponse(const uri& requestUri, const std::wstring& method,
+                                                           const json::value& body)
 {
     const LumoLogBlock block(m_logger, "VantryIntegrationApi::CVantryApi::sendRequest_ProvideServerResponse");
-    return Utils::safe_CallMethod([&] { return unsafe_sendRequest(requestUri, method, body, result); });
+    return Utils::safe_CallMethod([&] { return unsafe_sendRequest(requestUri, method, body); });
 }
 } // namespace VantryIntegrationApi

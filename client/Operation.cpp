@@ -1,12 +1,7 @@
-// What the six operations share around their own protocol.
+#include "Operation.h"
+
+#include "Addresses.h"
 #include "RestText.h"
-#include "Utils.h"
-#include "VantryApi.h"
-
-#include <optional>
-
-using Platform::fromAnsi;
-using Platform::fromRestText;
 
 namespace
 {
@@ -22,55 +17,20 @@ void maskFirst(std::wstring& url, const std::optional<std::wstring>& secret)
 
 namespace VantryIntegrationApi
 {
-bool CVantryApi::perform(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
-                         const std::function<ResponseStatus(const web::uri&)>& send)
+bool CVantryApi::mayBeSent(const LumoFunction& log)
 {
-    LUMO_LINES_OF(m_logger, operation);
-    web::uri requestUri;
-    if (!prepare(operation, [&] { requestUri = prepareRequest(); }) || !certificateIsTrusted(operation)) {
-        return false;
-    }
-    LUMO_DEBUG(L"Going to send request to server");
-    m_lastResponse = send(requestUri);
-    return true;
-}
-
-bool CVantryApi::performPost(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
-                             const web::json::value& body, Utils::JsonAnswer& answer)
-{
-    return perform(operation, prepareRequest, [&](const web::uri& requestUri) {
-        return sendRequest_ProvideServerResponse(requestUri, fromRestText(web::http::methods::POST), body,
-                                                 answer);
-    });
-}
-
-bool CVantryApi::prepare(const wchar_t* operation, const std::function<void()>& step)
-{
-    LUMO_LINES_OF(m_logger, operation);
-    try {
-        step();
-        return true;
-    } catch (const std::exception& e) {
-        const auto text = fromAnsi(e.what());
-        LUMO_FATAL(L"Exception happened: " << text);
-        m_lastResponse = {requestFailedStatus, text};
-        return false;
-    }
-}
-
-bool CVantryApi::certificateIsTrusted(const wchar_t* operation)
-{
-    LUMO_LINES_OF(m_logger, operation);
-    LUMO_DEBUG(L"Going to validate certificate");
-    bool trusted = false;
+    LUMO_DEBUG(log, L"Going to validate certificate");
     // An endpoint that is no URI is found out here, before anything is sent.
-    if (!prepare(operation, [&] { trusted = validateCertificateRequest(); })) {
+    const auto trusted = prepared(log, [this] { return validateCertificateRequest(); });
+    if (!trusted) {
         return false;
     }
-    if (!trusted) {
-        LUMO_ERROR(L"Validation of certificate has failed. User request is stopped.");
+    if (!*trusted) {
+        LUMO_ERROR(log, L"Validation of certificate has failed. User request is stopped.");
+        return false;
     }
-    return trusted;
+    LUMO_DEBUG(log, L"Going to send request to server");
+    return true;
 }
 
 web::uri CVantryApi::addressWithCredentials(const utility::char_t* path) const
@@ -81,18 +41,13 @@ web::uri CVantryApi::addressWithCredentials(const utility::char_t* path) const
         .to_uri();
 }
 
-void CVantryApi::logUsedUrl(const web::uri& url, const wchar_t* operation) const
+void CVantryApi::LogUsedUrl(const web::uri& address, const char* operation) const
 {
-    if (log4cxx::Logger::isInfoEnabledFor(m_logger)) {
-        LogUsedUrl(fromRestText(url.to_string()), operation);
+    if (!log4cxx::Logger::isInfoEnabledFor(m_logger)) {
+        return;
     }
-}
-
-// NOLINTNEXTLINE(performance-unnecessary-value-param): both are copies to work on
-void CVantryApi::LogUsedUrl(std::wstring url, std::wstring operation) const
-{
-    // First, since a password that also occurs earlier in the URL uses up the one replacement below.
-    url = Lumo::withoutPassword(std::move(url));
+    // The password first, since one that also occurs earlier in the URL uses up the one replacement below.
+    auto url = Lumo::withoutPassword(Platform::fromRestText(address.to_string()));
     maskFirst(url, Utils::shownInQuery(m_userName));
     maskFirst(url, Utils::shownInQuery(m_password));
     LUMO_LINE(m_logger, Info, L"Function: " << operation << L" used url: " << m_endPoint << url);

@@ -1,9 +1,12 @@
+#include "Addresses.h"
 #include "CompletionSignal.h"
 #include "Dispatch.h"
 #include "GuardedCall.h"
+#include "ModuleObjects.h"
+#include "Operation.h"
+#include "RequestContent.h"
+#include "ResponseHandling.h"
 #include "RestText.h"
-#include "Utils.h"
-#include "VantryApi.h"
 
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/trim.hpp>
@@ -27,7 +30,8 @@ std::wstring setCookie(const http_response& response)
         if (header.first == U("Set-Cookie")) {
             const auto end = header.second.find(U(';'));
             if (end == utility::string_t::npos) {
-                // The server promises attributes. A cookie without one ends as a failure, not as a session.
+                // The text that the log has for a cookie that cannot be cut at its first attribute. Such a
+                // cookie ends as a failure, not as a session.
                 throw std::out_of_range("invalid string position");
             }
             auto cookie = fromRestText(header.second.substr(0, end));
@@ -50,19 +54,19 @@ void CVantryApi::wrpCreateSession()
 void CVantryApi::createSession()
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createSession");
-    const auto prepareRequest = [&] {
-        auto requestUri = addressWithCredentials(U("/Session"));
-        logUsedUrl(requestUri, lumoName);
-        return requestUri;
-    };
-    if (!perform(lumoName, prepareRequest, [this](const uri& requestUri) {
-            return Utils::safe_CallMethod([&] { return unsafe_sendRequest_CreateSession(requestUri); });
-        })) {
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::createSession");
+    const auto requestUri = prepared(log, [&] {
+        auto address = addressWithCredentials(U("/Session"));
+        LogUsedUrl(address, log.name());
+        return address;
+    });
+    if (!requestUri || !mayBeSent(log)) {
         return;
     }
+    m_lastResponse =
+        Utils::safe_CallMethod([&] { return unsafe_sendRequest_CreateSession(*requestUri); }).status;
     if (m_lastResponse.httpStatusCode != status_codes::OK) {
-        LUMO_ERROR(g_requestErrorText);
+        LUMO_ERROR(log, g_requestErrorText);
         return;
     }
     LUMO_LINE(m_logger, Info,
@@ -79,59 +83,55 @@ void CVantryApi::wrpCloseSession()
 void CVantryApi::closeSession()
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::closeSession");
-    const auto prepareRequest = [&] {
-        auto requestUri =
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::closeSession");
+    const auto requestUri = prepared(log, [&] {
+        auto address =
             web::uri_builder()
                 .set_path(U("/Session"))
                 .append_query(U("sessionKey=") + Utils::minimallyEncoded(m_session.m_sessionKey), false)
                 .to_uri();
-        logUsedUrl(requestUri, lumoName);
-        return requestUri;
-    };
-    if (perform(lumoName, prepareRequest,
-                [this](const uri& requestUri) {
-                    return Utils::safe_CallMethod(
-                        [&] { return unsafe_sendRequest_CloseSession(requestUri); });
-                }) &&
-        m_lastResponse.httpStatusCode != status_codes::OK) {
-        LUMO_ERROR(g_requestErrorText);
+        LogUsedUrl(address, log.name());
+        return address;
+    });
+    if (!requestUri || !mayBeSent(log)) {
+        return;
+    }
+    m_lastResponse =
+        Utils::safe_CallMethod([&] { return unsafe_sendRequest_CloseSession(*requestUri); }).status;
+    if (m_lastResponse.httpStatusCode != status_codes::OK) {
+        LUMO_ERROR(log, g_requestErrorText);
     }
 }
 
-ResponseStatus CVantryApi::unsafe_sendRequest_CreateSession(const uri& requestUri)
+ServerAnswer CVantryApi::unsafe_sendRequest_CreateSession(const uri& requestUri)
 {
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest_CreateSession");
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest_CreateSession");
     web::http::http_request request(methods::GET);
     request.set_request_uri(requestUri);
 
     std::wstring cookie;
-    Utils::JsonAnswer answer;
-    const auto reader = [&cookie](http_response& response) {
+    auto answer = exchange(log, Utils::serverAddress(m_endPoint), request, [&cookie](auto& response) {
         cookie = setCookie(response);
         return Utils::handleResponse(response);
-    };
-    auto status = exchange(lumoName, Utils::serverAddress(m_endPoint), request, reader, answer);
-    if (!answer->is_null()) {
-        auto key = Utils::jsonText(Utils::member(*answer, U("sessionKey")));
+    });
+    if (!answer.body.is_null()) {
+        auto key = Utils::jsonText(Utils::member(answer.body, U("sessionKey")));
         boost::trim_if(key, boost::is_any_of(L" \""));
         m_session = {std::move(key), std::move(cookie)};
     }
-    logAnswer(lumoName, *answer);
-    return status;
+    logAnswer(log, answer.body);
+    return answer;
 }
 
-ResponseStatus CVantryApi::unsafe_sendRequest_CloseSession(const uri& requestUri)
+ServerAnswer CVantryApi::unsafe_sendRequest_CloseSession(const uri& requestUri)
 {
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest_CloseSession");
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::unsafe_sendRequest_CloseSession");
     web::http::http_request request(methods::DEL);
     request.set_request_uri(requestUri);
     request.headers()[U("Cookie")] = toRestText(m_session.m_sessionCookie);
 
-    Utils::JsonAnswer answer;
-    auto status =
-        exchange(lumoName, Utils::serverAddress(m_endPoint), request, &Utils::handleResponse, answer);
-    logAnswer(lumoName, *answer);
-    return status;
+    auto answer = exchange(log, Utils::serverAddress(m_endPoint), request, &Utils::handleResponse);
+    logAnswer(log, answer.body);
+    return answer;
 }
 } // namespace VantryIntegrationApi

@@ -1,12 +1,16 @@
 #include "CompletionSignal.h"
 #include "Dispatch.h"
+#include "ModuleObjects.h"
+#include "Operation.h"
+#include "RequestContent.h"
+#include "ResponseHandling.h"
 #include "RestText.h"
-#include "Utils.h"
-#include "VantryApi.h"
 
 #include <string>
 
+using Platform::fromRestText;
 using Platform::toRestText;
+using web::http::methods;
 using web::http::status_codes;
 
 namespace json = web::json;
@@ -37,25 +41,26 @@ void CVantryApi::wrpSaveTechNote(const TechNote& techNote)
 void CVantryApi::saveTechNote(const TechNote& techNote)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::saveTechNote");
     json::value body;
-    const auto prepareRequest = [&] {
-        auto requestUri = addressWithCredentials(U("/TechNotes"));
-        LUMO_DEBUG(L"Going to prepare json object from input data.");
+    const auto requestUri = prepared(log, [&] {
+        auto address = addressWithCredentials(U("/TechNotes"));
+        LUMO_DEBUG(log, L"Going to prepare json object from input data.");
         body = noteBody(techNote);
-        logUsedUrl(requestUri, lumoName);
-        return requestUri;
-    };
-    Utils::JsonAnswer answer;
-    if (!performPost(lumoName, prepareRequest, body, answer)) {
+        LogUsedUrl(address, log.name());
+        return address;
+    });
+    if (!requestUri || !mayBeSent(log)) {
         return;
     }
+    const auto answer = sendRequest_ProvideServerResponse(*requestUri, fromRestText(methods::POST), body);
+    m_lastResponse = answer.status;
     if (m_lastResponse.httpStatusCode != status_codes::Created) {
         m_lastSavedTechNoteId.clear();
-        LUMO_ERROR(g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
+        LUMO_ERROR(log, g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
         return;
     }
-    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(*answer, U("id")));
-    LUMO_INFO(L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
+    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer.body, U("id")));
+    LUMO_INFO(log, L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
 }
 } // namespace VantryIntegrationApi

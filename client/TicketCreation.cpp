@@ -1,10 +1,13 @@
 #include "CompletionSignal.h"
 #include "Dispatch.h"
+#include "Operation.h"
+#include "RequestContent.h"
+#include "ResponseHandling.h"
 #include "RestText.h"
-#include "Utils.h"
-#include "VantryApi.h"
 
+using Platform::fromRestText;
 using Platform::toRestText;
+using web::http::methods;
 using web::http::status_codes;
 
 namespace json = web::json;
@@ -40,25 +43,28 @@ void CVantryApi::wrpCreateTicket(const TicketCreationInformation& ticket)
 void CVantryApi::createTicket(const TicketCreationInformation& ticket)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::createTicket");
     json::value body;
-    const auto prepareRequest = [&] {
-        auto requestUri = addressWithCredentials(U("/Tickets"));
-        logUsedUrl(requestUri, lumoName);
-        LUMO_INFO(L"Preparing json based on input information");
+    const auto requestUri = prepared(log, [&] {
+        auto address = addressWithCredentials(U("/Tickets"));
+        LogUsedUrl(address, log.name());
+        LUMO_INFO(log, L"Preparing json based on input information");
         body = ticketBody(ticket);
-        return requestUri;
-    };
-    Utils::JsonAnswer answer;
-    if (!performPost(lumoName, prepareRequest, body, answer) ||
-        m_lastResponse.httpStatusCode != status_codes::Created) {
+        return address;
+    });
+    if (!requestUri || !mayBeSent(log)) {
         return;
     }
-    if (answer->is_null()) {
-        LUMO_ERROR(L"Answer form the server is null");
+    const auto answer = sendRequest_ProvideServerResponse(*requestUri, fromRestText(methods::POST), body);
+    m_lastResponse = answer.status;
+    if (m_lastResponse.httpStatusCode != status_codes::Created) {
         return;
     }
-    m_createdTicketId = Utils::jsonText(Utils::member(*answer, U("id")));
-    LUMO_INFO(L"Returning created ticket ID: " << m_createdTicketId);
+    if (answer.body.is_null()) {
+        LUMO_ERROR(log, L"Answer form the server is null");
+        return;
+    }
+    m_createdTicketId = Utils::jsonText(Utils::member(answer.body, U("id")));
+    LUMO_INFO(log, L"Returning created ticket ID: " << m_createdTicketId);
 }
 } // namespace VantryIntegrationApi

@@ -1,8 +1,10 @@
+#include "Addresses.h"
 #include "CompletionSignal.h"
 #include "Dispatch.h"
+#include "ModuleObjects.h"
+#include "Operation.h"
+#include "ResponseHandling.h"
 #include "RestText.h"
-#include "Utils.h"
-#include "VantryApi.h"
 
 #include <sstream>
 
@@ -35,38 +37,39 @@ void CVantryApi::wrpRequestTicketList(const std::wstring& entityId, VantryType t
 void CVantryApi::requestTicketList(const std::wstring& entityId, VantryType type)
 {
     const SignalAsyncRequestFinishedWrapper signal(m_hwnd);
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::requestTicketList");
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::requestTicketList");
     m_ticketList.clear();
-    web::uri_builder address(U("/Tickets"));
-    if (!prepare(lumoName, [&] { address.append_query(toRestText(qualifier(entityId, type)), false); })) {
+    const auto selection = prepared(log, [&] { return toRestText(qualifier(entityId, type)); });
+    if (!selection) {
         return;
     }
+    web::uri_builder address(U("/Tickets"));
+    address.append_query(*selection, false);
     // An identifier that an address cannot carry is refused here, before the credentials are in the address:
     // the exception, which leaves the operation, shows it.
     address.to_uri();
-    const auto prepareRequest = [&] {
+    const auto requestUri = prepared(log, [&] {
         address.append_query(Utils::credentialQuery(m_userName, m_password), false);
-        auto requestUri = address.to_uri();
-        logUsedUrl(requestUri, lumoName);
-        return requestUri;
-    };
-    Utils::JsonAnswer answer;
-    if (!perform(lumoName, prepareRequest, [&](const web::uri& requestUri) {
-            // Once more: the host's certificate callback has run since, and may have listed tickets itself.
-            m_ticketList.clear();
-            return sendRequest_ProvideServerResponse(requestUri, fromRestText(methods::GET), answer);
-        })) {
+        auto complete = address.to_uri();
+        LogUsedUrl(complete, log.name());
+        return complete;
+    });
+    if (!requestUri || !mayBeSent(log)) {
         return;
     }
+    // Once more: the host's certificate callback has run since, and may have listed tickets itself.
+    m_ticketList.clear();
+    const auto answer = sendRequest_ProvideServerResponse(*requestUri, fromRestText(methods::GET));
+    m_lastResponse = answer.status;
     if (m_lastResponse.httpStatusCode != status_codes::OK) {
-        LUMO_ERROR(g_requestErrorText);
+        LUMO_ERROR(log, g_requestErrorText);
         return;
     }
-    if (!answer->is_array()) {
+    if (!answer.body.is_array()) {
         LUMO_LINE(m_logger, Error, L"Answer form the server is not an array");
         return;
     }
-    const auto& tickets = answer->as_array();
+    const auto& tickets = answer.body.as_array();
     m_ticketList.reserve(tickets.size());
     for (const auto& ticket : tickets) {
         appendTicket(ticket);

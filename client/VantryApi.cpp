@@ -1,6 +1,6 @@
 #include "VantryApi.h"
 
-#include "Utils.h"
+#include "Addresses.h"
 
 namespace VantryIntegrationApi
 {
@@ -11,8 +11,8 @@ CVantryApi::CVantryApi()
 
 void CVantryApi::setEndPoint(const std::wstring& endPoint)
 {
-    LUMO_FUNCTION(m_logger, "VantryIntegrationApi::CVantryApi::setEndPoint");
-    LUMO_INFO(L"Endpoing: " << endPoint);
+    const LumoFunction log(m_logger, "VantryIntegrationApi::CVantryApi::setEndPoint");
+    LUMO_INFO(log, L"Endpoing: " << endPoint);
     m_endPoint = endPoint;
 }
 

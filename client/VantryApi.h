@@ -3,22 +3,20 @@
 #pragma once
 
 #include "LumoLogging.h"
-#include "ResponseHandling.h"
+#include "ServerAnswer.h"
 #include "TAVIKVANTRYAPI.h"
 #include "WindowsCalls.h"
 
 #include <cpprest/http_client.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 namespace VantryIntegrationApi
 {
-/// Logged at error level when an answer does not carry the code of success.
-extern const std::wstring g_requestErrorText;
-
 /// Statuses that are the library's own, not the server's.
 constexpr int requestFailedStatus = 600;
 constexpr int certificateRefusedStatus = 601;
@@ -75,14 +73,14 @@ public:
 
     /// One JSON exchange with the endpoint; `body` is sent with POST and PUT only.
     /// @throws whatever the HTTP and JSON libraries throw
-    ResponseStatus unsafe_sendRequest(const web::uri& requestUri, const std::wstring& method,
-                                      const web::json::value& body, Utils::JsonAnswer& result);
+    ServerAnswer unsafe_sendRequest(const web::uri& requestUri, const std::wstring& method,
+                                    const web::json::value& body);
 
     /// Logger of everything but the exports.
     static log4cxx::LoggerPtr m_logger;
 
 private:
-    using ResponseReader = std::function<pplx::task<Utils::JsonAnswer>(web::http::http_response&)>;
+    using ResponseReader = std::function<web::json::value(web::http::http_response&)>;
 
     /// Both texts come from the server together and go back together. Named like the client's other members.
     struct SessionData
@@ -104,47 +102,37 @@ private:
     void requestTicketList(const std::wstring& entityId, VantryType type);
     void createTicket(const TicketCreationInformation& ticket);
 
-    ResponseStatus unsafe_sendRequest_CreateSession(const web::uri& requestUri);
-    ResponseStatus unsafe_sendRequest_CloseSession(const web::uri& requestUri);
-    ResponseStatus unsafe_sendRequest_UploadAttachment(const web::uri& requestUri,
-                                                       const Attachment& attachment);
+    ServerAnswer unsafe_sendRequest_CreateSession(const web::uri& requestUri);
+    ServerAnswer unsafe_sendRequest_CloseSession(const web::uri& requestUri);
+    ServerAnswer unsafe_sendRequest_UploadAttachment(const web::uri& requestUri,
+                                                     const Attachment& attachment);
 
-    ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
-                                                     Utils::JsonAnswer& result);
-    ResponseStatus sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
-                                                     const web::json::value& body, Utils::JsonAnswer& result);
+    ServerAnswer sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
+                                                   const web::json::value& body = {});
 
-    /// Sends `request` to `base` through a client of its own and waits for the answer's JSON value, which
-    /// goes into `result`. Returns the answer's status code and reason phrase.
-    ResponseStatus exchange(const wchar_t* caller, const web::uri& base, web::http::http_request& request,
-                            const ResponseReader& reader, Utils::JsonAnswer& result);
+    /// Sends `request` to `base` through a client of its own and waits for what `reader` makes of the answer,
+    /// on a thread of the REST SDK.
+    ServerAnswer exchange(const LumoFunction& log, const web::uri& base, web::http::http_request& request,
+                          const ResponseReader& reader);
 
     /// The info line of an answer that is not null.
-    static void logAnswer(const wchar_t* caller, const web::json::value& answer);
+    static void logAnswer(const LumoFunction& log, const web::json::value& answer);
 
-    /// What every operation does: prepares its request, has the server's certificate validated and sends.
-    /// False if it came to no sending; the last response then says why.
-    bool perform(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
-                 const std::function<ResponseStatus(const web::uri&)>& send);
+    /// Runs a step before the sending. None if it throws a standard exception, which ends the operation: it
+    /// is logged and becomes the last response (600).
+    template <typename Step>
+    auto prepared(const LumoFunction& log, const Step& step) -> std::optional<decltype(step())>;
 
-    /// The same with a POST of `body`, which is read after `prepareRequest`. Leaves the answer in `answer`.
-    bool performPost(const wchar_t* operation, const std::function<web::uri()>& prepareRequest,
-                     const web::json::value& body, Utils::JsonAnswer& answer);
-
-    /// Runs a step before the sending. A standard exception ends the operation: it is logged, becomes the
-    /// last response (600), and the answer is false.
-    bool prepare(const wchar_t* operation, const std::function<void()>& step);
-
-    /// Whether the server's certificate lets the operation go on; says so in the log if not.
-    bool certificateIsTrusted(const wchar_t* operation);
+    /// Whether the server's certificate lets the operation send its request; says so in the log. If not, the
+    /// last response says why.
+    bool mayBeSent(const LumoFunction& log);
 
     /// `path`, and the credentials as its query.
     /// @throws std::range_error if a credential is malformed
     web::uri addressWithCredentials(const utility::char_t* path) const;
 
-    /// `LogUsedUrl`, if its line is wanted.
-    void logUsedUrl(const web::uri& url, const wchar_t* operation) const;
-    void LogUsedUrl(std::wstring url, std::wstring operation) const;
+    /// Logs the address that `operation` is about to use, its credentials masked.
+    void LogUsedUrl(const web::uri& address, const char* operation) const;
 
     web::http::client::http_client_config getClientConfig(bool validate);
     bool validateCertificateRequest();

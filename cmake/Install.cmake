@@ -23,8 +23,8 @@ write_basic_package_version_file(TAVIKVANTRYAPIConfigVersion.cmake COMPATIBILITY
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake
         DESTINATION ${package_config_dir} COMPONENT development)
-get_target_property(host_types_dir TAVIKVANTRYAPI VANTRY_HOST_TYPES_DIR)
-install(FILES api/TAVIKVANTRYAPI.h ${host_types_dir}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+
+install(FILES api/TAVIKVANTRYAPI.h ${VANTRY_HOST_TYPES_DIR}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
         COMPONENT development)
 
 if(PROJECT_IS_TOP_LEVEL AND MINGW AND TARGET vantry-console-host)

@@ -1,6 +1,6 @@
 #include "Host.h"
 
-#include "Utils.h"
+#include "Addresses.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/Text.h"
 

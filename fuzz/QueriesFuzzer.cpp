@@ -7,7 +7,7 @@
 
 #include "RestText.h"
 #include "Utf8.h"
-#include "Utils.h"
+#include "Addresses.h"
 #include "sandbox/Target.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

@@ -91,21 +91,32 @@ private:
     const log4cxx::LoggerPtr& m_logger;
 };
 
-/// Names the function whose lines the following macros write, and their logger.
-#define LUMO_LINES_OF(logger, name)                                                                          \
-    const log4cxx::LoggerPtr& lumoLogger = (logger);                                                         \
-    const wchar_t* const lumoName = (name)
+/// A function as the log knows it: its scope log, and the name and logger of the lines that it and its
+/// helpers write. Create one as a local at the top of a function.
+class LumoFunction
+{
+public:
+    /// `logger` and `name`, a literal of ASCII, are referred to.
+    LumoFunction(const log4cxx::LoggerPtr& logger, const char* name) noexcept
+        : m_name(name), m_logger(logger), m_block(logger, name)
+    {}
 
-/// Opens a function: its scope log, and the name and logger of its lines. `name` is a narrow literal.
-#define LUMO_FUNCTION(logger, name)                                                                          \
-    LUMO_LINES_OF(logger, L"" name);                                                                         \
-    const LumoLogBlock lumoBlock(lumoLogger, name)
+    const char* name() const { return m_name; }
+    const log4cxx::LoggerPtr& logger() const { return m_logger; }
 
-/// Lines of the function named above: its name, "; " and the message, an insertion chain of wide text and
+private:
+    const char* m_name;
+    const log4cxx::LoggerPtr& m_logger;
+    LumoLogBlock m_block;
+};
+
+/// Lines of `function`, a `LumoFunction`: its name, "; " and the message, an insertion chain of wide text and
 /// numbers.
-#define LUMO_TRACE(message) LUMO_LINE(lumoLogger, Trace, lumoName << L"; " << message)
-#define LUMO_DEBUG(message) LUMO_LINE(lumoLogger, Debug, lumoName << L"; " << message)
-#define LUMO_INFO(message) LUMO_LINE(lumoLogger, Info, lumoName << L"; " << message)
-#define LUMO_ERROR(message) LUMO_LINE(lumoLogger, Error, lumoName << L"; " << message)
-#define LUMO_FATAL(message) LUMO_LINE(lumoLogger, Fatal, lumoName << L"; " << message)
+#define LUMO_FUNCTION_LINE(function, level, message)                                                         \
+    LUMO_LINE((function).logger(), level, L"" << (function).name() << L"; " << message)
+#define LUMO_TRACE(function, message) LUMO_FUNCTION_LINE(function, Trace, message)
+#define LUMO_DEBUG(function, message) LUMO_FUNCTION_LINE(function, Debug, message)
+#define LUMO_INFO(function, message) LUMO_FUNCTION_LINE(function, Info, message)
+#define LUMO_ERROR(function, message) LUMO_FUNCTION_LINE(function, Error, message)
+#define LUMO_FATAL(function, message) LUMO_FUNCTION_LINE(function, Fatal, message)
 // NOLINTEND(bugprone-macro-parentheses)

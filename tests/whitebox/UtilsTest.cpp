@@ -1,5 +1,6 @@
-#include "Utils.h"
+#include "Addresses.h"
 #include "GuardedCall.h"
+#include "ModuleTexts.h"
 
 #include "platform/PlatformSupport.h"
 #include "support/CapturedLog.h"
@@ -39,13 +40,14 @@ TEST(Addresses, ABaseKeepsSchemeHostAndAWrittenPort)
 
 namespace
 {
-using Method = std::function<ResponseStatus()>;
+using VantryIntegrationApi::ServerAnswer;
+using Method = std::function<ServerAnswer()>;
 
 template <typename Thrown>
 Method throwing(const Thrown& thrown)
 {
     // NOLINTNEXTLINE(cert-err60-cpp): some of what is thrown may throw when copied
-    return [thrown]() -> ResponseStatus { throw thrown; };
+    return [thrown]() -> ServerAnswer { throw thrown; };
 }
 
 struct GuardedMethod
@@ -66,12 +68,12 @@ TEST(GuardedCall, MapsWhateverIsThrown)
     const std::wstring codeText(narrowText.begin(), narrowText.end());
     const std::vector<GuardedMethod> table{
         {[] {
-             return ResponseStatus{204, L"m"};
+             return ServerAnswer{{204, L"m"}, {}};
          },
          204,
          L"m",
          {}},
-        {[] { return ResponseStatus{}; }, -1, L"Internal Error: Object wasn't initialized.", {}},
+        {[] { return ServerAnswer{}; }, -1, L"Internal Error: Object wasn't initialized.", {}},
         {throwing(httpError),
          600,
          codeText,
@@ -86,7 +88,7 @@ TEST(GuardedCall, MapsWhateverIsThrown)
     CapturedLog log;
     for (const auto& row : table) {
         log.clear();
-        const auto status = Utils::safe_CallMethod(row.method);
+        const auto status = Utils::safe_CallMethod(row.method).status;
         EXPECT_EQ(status.httpStatusCode, row.code);
         EXPECT_EQ(status.errorMessage, row.message);
         std::vector<std::wstring> expected;

@@ -1,14 +1,11 @@
-#include "Utils.h"
+#include "Addresses.h"
 
-#include "Module.h"
 #include "RestText.h"
 #include "VantryApi.h"
-#include "WindowsCalls.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 
-#include <array>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
@@ -19,14 +16,13 @@ using web::uri;
 
 namespace VantryIntegrationApi::Utils
 {
-std::wstring LoadStringW(std::uint32_t id)
+namespace
 {
-    const LumoLogBlock block(CVantryApi::m_logger, "VantryIntegrationApi::Utils::LoadStringW");
-    std::array<wchar_t, 512> text{};
-    // ERROR_RESOURCE_NAME_NOT_FOUND and other errors leave the buffer as it is: an empty text.
-    ::LoadStringW(Platform::moduleHandle(), id, text.data(), static_cast<int>(text.size()));
-    return text.data();
+utility::string_t encoded(const std::wstring& text)
+{
+    return uri::encode_data_string(toRestText(text));
 }
+} // namespace
 
 uri serverAddress(const std::wstring& url)
 {
@@ -68,11 +64,6 @@ utility::string_t minimallyEncoded(const std::wstring& text)
     return encoded;
 }
 
-utility::string_t encoded(const std::wstring& text)
-{
-    return uri::encode_data_string(toRestText(text));
-}
-
 std::optional<std::wstring> shownInQuery(const std::wstring& text)
 {
     try {
@@ -88,20 +79,5 @@ utility::string_t credentialQuery(const std::wstring& userName, const std::wstri
         .append_query(U("username=") + encoded(userName), false)
         .append_query(U("password=") + encoded(password), false)
         .query();
-}
-
-web::json::value entity(const utility::char_t* type, const std::wstring& id)
-{
-    auto value = web::json::value::object();
-    value[U("type")] = web::json::value::string(type);
-    value[U("id")] = web::json::value::string(toRestText(id));
-    return value;
-}
-
-void requireOneLine(const std::wstring& text, const std::string& name)
-{
-    if (text.find_first_of(std::wstring(L"\r\n\0", 3)) != std::wstring::npos) {
-        throw std::invalid_argument("The " + name + " holds a line break or a zero character.");
-    }
 }
 } // namespace VantryIntegrationApi::Utils
