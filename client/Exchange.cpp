@@ -1,11 +1,12 @@
 #include "Addresses.h"
-#include "AnswerBounds.h"
+#include "BoundedExchange.h"
 #include "GuardedCall.h"
+#include "ModuleTexts.h"
+#include "OwnOutcome.h"
 #include "ResponseHandling.h"
 #include "RestText.h"
+#include "StringTable.h"
 #include "VantryApi.h"
-
-#include <memory>
 
 using Platform::fromRestText;
 using Platform::toRestText;
@@ -39,19 +40,27 @@ ServerAnswer CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::ws
     return answer;
 }
 
-ServerAnswer CVantryApi::exchange(const LumoFunction& log, const uri& base, web::http::http_request& request,
-                                  const ResponseReader& reader)
+ServerAnswer CVantryApi::exchange(const LumoFunction& log, const uri& base,
+                                  const web::http::http_request& request, BodyReader reader)
 {
-    web::http::client::http_client client(base, getClientConfig(false));
-    const BoundedAnswer bounded(request);
-    const auto answer = std::make_shared<ServerAnswer>();
-    auto answered = client.request(request).then([answer, &reader](web::http::http_response response) {
-        answer->status = {response.status_code(), fromRestText(response.reason_phrase())};
-        answer->body = reader(response);
-    });
+    auto config = getClientConfig(false);
+    const auto otherServer = requireAcceptedServer(config);
+    const auto read = [reader = std::move(reader)](web::http::http_response& response) {
+        ServerAnswer answer{{response.status_code(), fromRestText(response.reason_phrase())}, {}};
+        answer.body = reader(response);
+        return answer;
+    };
+    BoundedExchange exchange(base, std::move(config), request, m_limits, read);
     LUMO_DEBUG(log, L"Going to run tasks and get results.");
-    answered.wait();
-    return std::move(*answer);
+    try {
+        return exchange.wait(m_transferWatcher);
+    } catch (const web::http::http_exception&) {
+        if (!*otherServer) {
+            throw;
+        }
+        LUMO_ERROR(log, L"The server has shown another certificate than the one that was accepted.");
+        throw OwnOutcome({certificateRefusedStatus, Utils::LoadStringW(IDS_CERTIFICATE_REFUSED)});
+    }
 }
 
 void CVantryApi::logAnswer(const LumoFunction& log, const json::value& answer)

@@ -1,6 +1,7 @@
 #include "GuardedCall.h"
 
 #include "ModuleTexts.h"
+#include "OwnOutcome.h"
 #include "StringTable.h"
 #include "VantryApi.h"
 
@@ -15,6 +16,8 @@ ServerAnswer safe_CallMethod(const std::function<ServerAnswer()>& method)
     auto& status = answer.status;
     try {
         answer = method();
+    } catch (const OwnOutcome& outcome) {
+        status = outcome.status();
     } catch (const web::http::http_exception& e) {
         LUMO_FATAL(log, L"http_exception happened: " << fromAnsi(e.what()));
         const auto message = fromAnsi(e.error_code().message());

@@ -1,18 +1,23 @@
 #include "PieceStream.h"
 
+#include <memory>
+#include <mutex>
 #include <numeric>
 
 namespace streams = concurrency::streams;
 
+namespace VantryIntegrationApi
+{
 namespace
 {
 using Byte = std::uint8_t;
+} // namespace
 
 /// What the REST SDK asks of a stream buffer; the half of it that writes is refused.
-class PieceBuffer : public streams::details::streambuf_state_manager<Byte>
+class PieceStream::Buffer : public streams::details::streambuf_state_manager<Byte>
 {
 public:
-    explicit PieceBuffer(std::vector<std::string_view> pieces)
+    explicit Buffer(std::vector<std::string_view> pieces)
         : streambuf_state_manager(std::ios_base::in), m_pieces(std::move(pieces)),
           m_size(std::accumulate(m_pieces.begin(), m_pieces.end(), std::size_t{0},
                                  [](auto sum, const auto& piece) { return sum + piece.size(); }))
@@ -45,19 +50,22 @@ public:
         return seekpos(static_cast<off_type>(from) + offset, mode);
     }
 
+    /// What is read is copied, since a request may still be sending it when its owner has ended.
     bool acquire(Byte*& bytes, std::size_t& count) override
     {
-        if (!can_read()) {
-            return false;
-        }
-        const auto rest = restOfPiece(m_position);
-        // The SDK only reads what it acquires to send.
-        bytes = reinterpret_cast<Byte*>(const_cast<char*>(rest.data()));
-        count = rest.size();
-        return true;
+        bytes = nullptr;
+        count = 0;
+        return false;
     }
 
-    void release(Byte* /*bytes*/, std::size_t count) override { m_position += count; }
+    void release(Byte* /*bytes*/, std::size_t /*count*/) override {}
+
+    /// From now on there is nothing to read. May be called while another thread reads.
+    void detach()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_pieces.clear();
+    }
 
 protected:
     pplx::task<std::size_t> _getn(Byte* bytes, std::size_t count) override
@@ -69,16 +77,31 @@ protected:
 
     std::size_t _scopy(Byte* bytes, std::size_t count) override
     {
+        const std::lock_guard lock(m_mutex);
         std::size_t copied = 0;
-        while (copied < count && m_position + copied < m_size) {
+        while (copied < count) {
             const auto rest = restOfPiece(m_position + copied);
+            if (rest.empty()) {
+                break;
+            }
             copied += rest.copy(reinterpret_cast<char*>(bytes + copied), count - copied);
         }
         return copied;
     }
 
-    int_type _sgetc() override { return m_position < m_size ? byteAt(m_position) : traits::eof(); }
-    int_type _sbumpc() override { return m_position < m_size ? byteAt(m_position++) : traits::eof(); }
+    int_type _sgetc() override
+    {
+        Byte byte = 0;
+        return _scopy(&byte, 1) == 1 ? byte : traits::eof();
+    }
+
+    int_type _sbumpc() override
+    {
+        const auto byte = _sgetc();
+        m_position += byte == traits::eof() ? 0 : 1;
+        return byte;
+    }
+
     pplx::task<int_type> _getc() override { return pplx::task_from_result(_sgetc()); }
     pplx::task<int_type> _bumpc() override { return pplx::task_from_result(_sbumpc()); }
 
@@ -122,22 +145,23 @@ private:
         return {};
     }
 
-    int_type byteAt(std::size_t position) const { return static_cast<Byte>(restOfPiece(position).front()); }
-
-    std::vector<std::string_view> m_pieces;
-    std::size_t m_size;
+    std::mutex m_mutex;
+    std::vector<std::string_view> m_pieces; ///< guarded by the mutex
+    const std::size_t m_size;
     std::size_t m_position = 0;
 };
-} // namespace
 
-namespace VantryIntegrationApi
-{
 PieceStream::PieceStream(std::vector<std::string_view> pieces)
-    : m_buffer(std::make_shared<PieceBuffer>(std::move(pieces)))
+    : m_buffer(std::make_shared<Buffer>(std::move(pieces)))
 {}
 
 PieceStream::~PieceStream()
 {
-    m_buffer.close(std::ios_base::in); // a request that has failed may still hold it
+    m_buffer->detach(); // a request that has failed, or is no longer waited for, may still hold it
+}
+
+streams::istream PieceStream::stream() const
+{
+    return streams::streambuf<Byte>(m_buffer).create_istream();
 }
 } // namespace VantryIntegrationApi

@@ -4,14 +4,14 @@
 
 #include <cpprest/streams.h>
 
-#include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
 namespace VantryIntegrationApi
 {
-/// Lends pieces of text, one after the other, as a body. Nothing is copied: what the pieces show must outlive
-/// this object, with which the stream ends.
+/// Lends pieces of text, one after the other, as a body. What the pieces show must outlive this object, with
+/// which the stream ends, also while a thread of the REST SDK reads it.
 class PieceStream
 {
 public:
@@ -22,9 +22,10 @@ public:
     PieceStream& operator=(const PieceStream&) = delete;
     PieceStream& operator=(PieceStream&&) = delete;
 
-    concurrency::streams::istream stream() const { return m_buffer.create_istream(); }
+    concurrency::streams::istream stream() const;
 
 private:
-    concurrency::streams::streambuf<std::uint8_t> m_buffer;
+    class Buffer;
+    std::shared_ptr<Buffer> m_buffer;
 };
 } // namespace VantryIntegrationApi

@@ -1,5 +1,6 @@
 #include "ResponseHandling.h"
 
+#include "JsonBudget.h"
 #include "RestText.h"
 #include "VantryApi.h"
 
@@ -54,26 +55,27 @@ std::string bodyBytes(const http_response& complete)
 
 json::value parsed(utility::string_t text)
 {
+    requireAffordable(text);
     return json::value::parse(toParserText(std::move(text)));
 }
 
-/// UTF-8, the usual form, is read here: the REST SDK would refuse bytes that are no text on one target and
-/// take them on the other. Every other form is the REST SDK's matter.
+/// The text of a body. UTF-8, the usual form, is read here: the REST
+/// SDK would refuse bytes that are no text on one target and take them on the other. Every other form is the
+/// REST SDK's matter.
+utility::string_t extractText(const http_response& response, bool isUtf8)
+{
+    return isUtf8 ? restTextOfUtf8(bodyBytes(response.content_ready().get()))
+                  : response.extract_string().get();
+}
+
 json::value extractJson(const http_response& response, const utility::string_t& contentType)
 {
     constexpr const utility::char_t* jsonType = U("application/json");
-    if (contentType != jsonType && !(mediaType(contentType) == jsonType && saysUtf8(contentType))) {
-        return response.extract_json().get();
+    if (mediaType(contentType) != jsonType) {
+        return response.extract_json().get(); // which refuses the types that only look like it
     }
-    auto text = restTextOfUtf8(bodyBytes(response.content_ready().get()));
+    auto text = extractText(response, contentType == jsonType || saysUtf8(contentType));
     return text.empty() ? json::value() : parsed(std::move(text));
-}
-
-utility::string_t extractText(const http_response& response, const utility::string_t& contentType)
-{
-    return boost::starts_with(contentType, U("text/")) && saysUtf8(contentType)
-               ? restTextOfUtf8(bodyBytes(response.content_ready().get()))
-               : response.extract_string().get();
 }
 
 void traceBody(const http_response& response)
@@ -103,7 +105,8 @@ json::value handleResponse(http_response& response)
     if (contains(contentType, U("text"))) {
         try {
             LUMO_DEBUG(log, L"Trying to get the string, and error message from server.");
-            const auto text = extractText(response, contentType);
+            const auto text =
+                extractText(response, boost::starts_with(contentType, U("text/")) && saysUtf8(contentType));
             LUMO_INFO(log, fromRestText(text));
             LUMO_DEBUG(log, L"Trying to create json value from string.");
             return parsed(text);

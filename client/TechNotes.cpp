@@ -60,7 +60,10 @@ void CVantryApi::saveTechNote(const TechNote& techNote)
         LUMO_ERROR(log, g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
         return;
     }
-    m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer.body, U("id")));
-    LUMO_INFO(log, L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
+    m_lastSavedTechNoteId.clear();
+    readAnswer(log, [&] {
+        m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer.body, U("id")));
+        LUMO_INFO(log, L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);
+    });
 }
 } // namespace VantryIntegrationApi

@@ -64,7 +64,9 @@ void CVantryApi::createTicket(const TicketCreationInformation& ticket)
         LUMO_ERROR(log, L"Answer form the server is null");
         return;
     }
-    m_createdTicketId = Utils::jsonText(Utils::member(answer.body, U("id")));
-    LUMO_INFO(log, L"Returning created ticket ID: " << m_createdTicketId);
+    readAnswer(log, [&] {
+        m_createdTicketId = Utils::jsonText(Utils::member(answer.body, U("id")));
+        LUMO_INFO(log, L"Returning created ticket ID: " << m_createdTicketId);
+    });
 }
 } // namespace VantryIntegrationApi

@@ -69,27 +69,36 @@ void CVantryApi::requestTicketList(const std::wstring& entityId, VantryType type
         LUMO_LINE(m_logger, Error, L"Answer form the server is not an array");
         return;
     }
-    const auto& tickets = answer.body.as_array();
-    m_ticketList.reserve(tickets.size());
-    for (const auto& ticket : tickets) {
-        appendTicket(ticket);
-    }
-    LUMO_LINE(m_logger, Info, L"We received: " << m_ticketList.size() << L" tickets.");
+    readAnswer(log, [&] {
+        const auto& tickets = answer.body.as_array();
+        m_ticketList.reserve(tickets.size());
+        for (const auto& ticket : tickets) {
+            appendTicket(ticket);
+        }
+        LUMO_LINE(m_logger, Info, L"We received: " << m_ticketList.size() << L" tickets.");
+    });
 }
 
 void CVantryApi::appendTicket(const json::value& ticket)
 {
     TicketListEntry entry;
-    if (const auto& id = Utils::member(ticket, U("id")); !id.is_null()) {
-        entry.id = Utils::jsonText(id);
+    if (ticket.is_object()) {
+        // In their stored order: of a member that comes twice, the last that is not null counts.
+        for (const auto& [name, value] : ticket.as_object()) {
+            if (value.is_null()) {
+                continue;
+            }
+            if (name == U("id")) {
+                entry.id = Utils::jsonText(value);
+            } else if (name == U("shortSubject")) {
+                entry.name = fromRestText(value.as_string());
+            } else if (name == U("shortDetail")) {
+                entry.detail = fromRestText(value.as_string());
+            } else if (name == U("displayClient")) {
+                entry.clientName = fromRestText(value.as_string());
+            }
+        }
     }
-    const auto text = [&ticket](const utility::char_t* name) {
-        const auto& value = Utils::member(ticket, name);
-        return value.is_null() ? std::wstring() : fromRestText(value.as_string());
-    };
-    entry.name = text(U("shortSubject"));
-    entry.detail = text(U("shortDetail"));
-    entry.clientName = text(U("displayClient"));
     LUMO_LINE(m_logger, Info,
               L"From server's response we created a ticket: " << L"id: " << entry.id << L" Name: "
                                                               << entry.name << L" Detail: " << entry.detail

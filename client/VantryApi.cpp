@@ -4,7 +4,7 @@
 
 namespace VantryIntegrationApi
 {
-CVantryApi::CVantryApi()
+CVantryApi::CVantryApi(const ExchangeLimits& limits) : m_limits(limits)
 {
     m_lastResponse = {0, L""};
 }

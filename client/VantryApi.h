@@ -2,6 +2,7 @@
 /// The client of the help-desk server.
 #pragma once
 
+#include "ExchangeLimits.h"
 #include "LumoLogging.h"
 #include "ServerAnswer.h"
 #include "TAVIKVANTRYAPI.h"
@@ -9,7 +10,9 @@
 
 #include <cpprest/http_client.h>
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -17,16 +20,14 @@
 
 namespace VantryIntegrationApi
 {
-/// Statuses that are the library's own, not the server's.
-constexpr int requestFailedStatus = 600;
-constexpr int certificateRefusedStatus = 601;
+class ProbedCertificate;
 
 /// The one client of the process. Operations write their outcome into the members that the getters return; no
 /// lock guards them, see the threading note of the public header.
 class CVantryApi
 {
 public:
-    CVantryApi();
+    explicit CVantryApi(const ExchangeLimits& limits = {});
     /// Leaves the certificate to the system: the object lives until the module unloads.
     ~CVantryApi() = default;
     CVantryApi(const CVantryApi&) = delete;
@@ -37,6 +38,9 @@ public:
     void setEndPoint(const std::wstring& endPoint);
     void setCredentials(const std::wstring& userName, const std::wstring& password);
     void setValidateCertificateCallback(ValidateCertificateCallback callback);
+
+    /// Of the operations that follow; copied. It may be called on any thread that runs an operation.
+    void setTransferWatcher(TransferWatcher watcher) { m_transferWatcher = std::move(watcher); }
 
     void setHWND(HWND hwnd)
     {
@@ -62,6 +66,9 @@ public:
         return m_ticketList;
     }
 
+    /// What uploads refer to: JSON text of the id of the note saved last; empty if there is none.
+    const std::wstring& GetLastSavedTechNoteID() const { return m_lastSavedTechNoteId; }
+
     /// Each runs its operation here if no window is set, else on a thread of its own.
     /// @throws std::system_error if there is no thread to be had
     void wrpSaveTechNote(const TechNote& techNote);
@@ -80,7 +87,8 @@ public:
     static log4cxx::LoggerPtr m_logger;
 
 private:
-    using ResponseReader = std::function<web::json::value(web::http::http_response&)>;
+    /// See BoundedExchange::Reader.
+    using BodyReader = std::function<web::json::value(web::http::http_response&)>;
 
     /// Both texts come from the server together and go back together. Named like the client's other members.
     struct SessionData
@@ -112,8 +120,8 @@ private:
 
     /// Sends `request` to `base` through a client of its own and waits for what `reader` makes of the answer,
     /// on a thread of the REST SDK.
-    ServerAnswer exchange(const LumoFunction& log, const web::uri& base, web::http::http_request& request,
-                          const ResponseReader& reader);
+    ServerAnswer exchange(const LumoFunction& log, const web::uri& base,
+                          const web::http::http_request& request, BodyReader reader);
 
     /// The info line of an answer that is not null.
     static void logAnswer(const LumoFunction& log, const web::json::value& answer);
@@ -122,6 +130,11 @@ private:
     /// is logged and becomes the last response (600).
     template <typename Step>
     auto prepared(const LumoFunction& log, const Step& step) -> std::optional<decltype(step())>;
+
+    /// Runs what reads an answer. Memory that runs out becomes the last response (600), and `m_ticketList` is
+    /// emptied.
+    template <typename Step>
+    void readAnswer(const LumoFunction& log, const Step& step);
 
     /// Whether the server's certificate lets the operation send its request; says so in the log. If not, the
     /// last response says why.
@@ -136,11 +149,27 @@ private:
 
     web::http::client::http_client_config getClientConfig(bool validate);
     bool validateCertificateRequest();
+
+    /// Sends the probe and waits for its status. What its connection shows is stored meanwhile, not later.
+    ResponseStatus probe(const LumoFunction& log);
     void SaveCertificateLocally(const CERT_CONTEXT& certificate);
     bool ValidateCertificate();
 
+    /// Has a request of `config` sent only to the server that the operation's probe met: its certificate has
+    /// to pass the system's validation and, if the host has accepted one, be that one. What is returned
+    /// becomes true, on a thread of the HTTP stack, where it is another.
+    std::shared_ptr<const std::atomic<bool>>
+    requireAcceptedServer(web::http::client::http_client_config& config) const;
+
     void appendTicket(const web::json::value& ticket);
 
+    using Certificate = std::shared_ptr<const CERT_CONTEXT>;
+
+    const ExchangeLimits m_limits;
+    TransferWatcher m_transferWatcher;
+    std::weak_ptr<ProbedCertificate> m_probe; ///< the one that a client configuration is made for
+    bool m_probed = false;                    ///< whether the operation has sent a probe
+    Certificate m_acceptedCertificate;        ///< the one that the host's callback has accepted in it, if any
     PCCERT_CONTEXT m_pVantryCertContext = nullptr;
     ValidateCertificateCallback m_certificateValidator;
     std::wstring m_endPoint;

@@ -1,20 +1,70 @@
 #include "LumoLogging.h"
 
-#include <boost/algorithm/string/replace.hpp>
-
 #include <algorithm>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <vector>
 
 namespace
 {
-const std::wstring passwordElement = L"password=";
-const std::wstring passwordMask = L"***************";
+constexpr std::wstring_view passwordElement = L"password=";
+constexpr std::wstring_view passwordMask = L"***************";
 
-/// The query element that no line shows; empty while there is no password. Made when it is first asked for,
-/// so that it is there whenever a module's object logs.
-std::wstring& hiddenElement()
+/// The values of passwords that no line shows: never changed, but replaced as a whole, since a thread of the
+/// library may still write a line when the host sets others.
+using Secrets = std::vector<std::wstring>;
+
+struct HiddenSecrets
 {
-    static std::wstring element;
-    return element;
+    std::mutex mutex;
+    std::shared_ptr<const Secrets> values = std::make_shared<Secrets>();
+};
+
+/// Made when it is first asked for, so that it is there whenever a module's object logs.
+HiddenSecrets& hidden()
+{
+    static HiddenSecrets secrets;
+    return secrets;
+}
+
+std::shared_ptr<const Secrets> hiddenSecrets()
+{
+    const std::lock_guard lock(hidden().mutex);
+    return hidden().values;
+}
+
+/// The same but for the case of ASCII letters: a server may send hexadecimal digits back in the other one.
+template <typename Character>
+bool alike(Character left, wchar_t right)
+{
+    const auto small = [](auto character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<wchar_t>(character + ('a' - 'A'))
+                                                    : static_cast<wchar_t>(character);
+    };
+    return small(left) == small(right);
+}
+
+/// Masks the value of each query element that holds a secret.
+template <typename Text>
+void mask(Text& text)
+{
+    const auto secrets = hiddenSecrets();
+    if (secrets->empty()) {
+        return;
+    }
+    const Text element(passwordElement.begin(), passwordElement.end());
+    for (auto at = text.find(element); at != Text::npos; at = text.find(element, at)) {
+        at += element.size();
+        for (const auto& secret : *secrets) {
+            if (text.size() - at >= secret.size() &&
+                std::equal(secret.begin(), secret.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                           [](wchar_t right, auto left) { return alike(left, right); })) {
+                text.replace(at, secret.size(), Text(passwordMask.begin(), passwordMask.end()));
+                break;
+            }
+        }
+    }
 }
 
 /// Values that Unicode keeps out of texts. log4cxx takes one of them for its own mark of an error, and some
@@ -25,24 +75,28 @@ bool isNoncharacter(wchar_t character)
     return (character & lastTwoOfAPlane) == lastTwoOfAPlane || (character >= 0xFDD0 && character <= 0xFDEF);
 }
 
-std::string narrowed(const std::wstring& ascii)
-{
-    return {ascii.begin(), ascii.end()};
-}
 } // namespace
 
 namespace Lumo
 {
 void hidePassword(const std::wstring& encodedPassword)
 {
-    hiddenElement() = encodedPassword.empty() ? std::wstring() : passwordElement + encodedPassword;
+    auto& secrets = hidden();
+    const std::lock_guard lock(secrets.mutex);
+    const auto& values = *secrets.values;
+    if (encodedPassword.empty() || (!values.empty() && values.front() == encodedPassword)) {
+        return;
+    }
+    auto next = std::make_shared<Secrets>(Secrets{encodedPassword});
+    if (!values.empty()) {
+        next->push_back(values.front());
+    }
+    secrets.values = std::move(next);
 }
 
 std::wstring withoutPassword(std::wstring text)
 {
-    if (!hiddenElement().empty()) {
-        boost::replace_all(text, hiddenElement(), passwordElement + passwordMask);
-    }
+    mask(text);
     return text;
 }
 
@@ -58,13 +112,8 @@ void write(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, con
 void write(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const std::string& line,
            const log4cxx::spi::LocationInfo& location)
 {
-    if (hiddenElement().empty()) {
-        logger->forcedLog(level, line, location);
-        return;
-    }
-    logger->forcedLog(
-        level,
-        boost::replace_all_copy(line, narrowed(hiddenElement()), narrowed(passwordElement + passwordMask)),
-        location);
+    auto presentable = line;
+    mask(presentable);
+    logger->forcedLog(level, presentable, location);
 }
 } // namespace Lumo

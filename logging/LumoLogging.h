@@ -22,8 +22,8 @@ void write(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, con
 void write(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const std::string& line,
            const log4cxx::spi::LocationInfo& location);
 
-/// Sets the password, percent-encoded as it stands in a query, that no line shows from now on; empty: none.
-/// Not to be called while another thread writes.
+/// Sets the password, percent-encoded as it stands in a query, that no line shows from now on, nor the one
+/// before it; empty: nothing is added. May be called while other threads write.
 void hidePassword(const std::wstring& encodedPassword);
 
 /// `text` with each query element that holds the hidden password masked.

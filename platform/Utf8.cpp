@@ -61,13 +61,14 @@ std::wstring fromUtf8(std::string_view utf8)
     }
     std::wstring wide;
     wide.reserve(utf8.size());
-    for (const auto* next = utf8.begin(); next != utf8.end();) {
+    const auto* const end = utf8.data() + utf8.size();
+    for (const auto* next = utf8.data(); next != end;) {
         const auto* const start = next;
-        auto codePoint = utf::utf_traits<char>::decode(next, utf8.end());
+        auto codePoint = utf::utf_traits<char>::decode(next, end);
         if (!utf::is_valid_codepoint(codePoint)) {
             // What follows a sequence that is cut short is a character of its own.
             codePoint = replacement;
-            next = std::find_if_not(start + 1, utf8.end(), utf::utf_traits<char>::is_trail);
+            next = std::find_if_not(start + 1, end, utf::utf_traits<char>::is_trail);
         }
         utf::utf_traits<wchar_t>::encode(codePoint, std::back_inserter(wide));
     }
@@ -76,9 +77,10 @@ std::wstring fromUtf8(std::string_view utf8)
 
 bool isUtf8(std::string_view text)
 {
-    for (const auto* next = text.begin(); next != text.end();) {
-        next = endOfAscii(next, text.end());
-        if (next != text.end() && !utf::is_valid_codepoint(utf::utf_traits<char>::decode(next, text.end()))) {
+    const auto* const end = text.data() + text.size();
+    for (const auto* next = text.data(); next != end;) {
+        next = endOfAscii(next, end);
+        if (next != end && !utf::is_valid_codepoint(utf::utf_traits<char>::decode(next, end))) {
             return false;
         }
     }

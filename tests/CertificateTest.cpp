@@ -87,6 +87,7 @@ TEST_P(EveryCertificate, EveryCallProbesAndAsksAboutTheCertificateOfItsOwnProbe)
     GetParam().start();
     const auto first = seen;
     sandbox.planConnection({{"certificate", "other"}});
+    sandbox.planConnection({{"certificate", "other"}}); // the request's
     GetParam().start();
     EXPECT_EQ(asked, 2);
     EXPECT_FALSE(seen == first);

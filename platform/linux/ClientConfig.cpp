@@ -25,22 +25,22 @@ int hookSlot()
     return slot;
 }
 
-void showLeaf(X509* leaf, const CertificateHook& hook)
+bool mayGoOn(X509* leaf, const CertificateHook& hook)
 {
     unsigned char* encoded = nullptr;
     const int size = i2d_X509(leaf, &encoded);
     if (size < 0) {
-        return;
+        return false;
     }
     const std::unique_ptr<unsigned char, void (*)(unsigned char*)> bytes(
         encoded, [](unsigned char* memory) { OPENSSL_free(memory); });
     const std::unique_ptr<const CERT_CONTEXT, BOOL (*)(PCCERT_CONTEXT)> certificate(
         CertCreateCertificateContext(X509_ASN_ENCODING, encoded, static_cast<DWORD>(size)),
         &CertFreeCertificateContext);
-    hook(*certificate);
+    return hook(*certificate);
 }
 
-/// Shows the leaf to the hook and lets OpenSSL decide, as it would have without us.
+/// Asks the hook about the leaf and lets OpenSSL decide besides, as it would have without us.
 int verifyChain(X509_STORE_CTX* store, void* /*argument*/)
 {
     const auto* ssl =
@@ -48,23 +48,38 @@ int verifyChain(X509_STORE_CTX* store, void* /*argument*/)
     const auto* hook = static_cast<CertificateHook*>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(ssl), hookSlot()));
     if (auto* leaf = X509_STORE_CTX_get0_cert(store); leaf != nullptr) {
         try {
-            showLeaf(leaf, *hook);
+            if (!mayGoOn(leaf, *hook)) {
+                X509_STORE_CTX_set_error(store, X509_V_ERR_APPLICATION_VERIFICATION);
+                return 0;
+            }
         } catch (...) { // none may pass through OpenSSL's frames; unseen means untrusted
             return 0;
         }
     }
     return X509_verify_cert(store);
 }
+
+/// A server that renegotiates would have a second handshake, and a second certificate, in a connection whose
+/// first one was accepted.
+void harden(SSL_CTX* context)
+{
+    SSL_CTX_set_min_proto_version(context, TLS1_2_VERSION);
+    SSL_CTX_set_options(context, SSL_OP_NO_RENEGOTIATION);
+}
 } // namespace
 
 web::http::client::http_client_config Platform::makeClientConfig()
 {
-    return {};
+    web::http::client::http_client_config config;
+    config.set_ssl_context_callback(
+        [](boost::asio::ssl::context& context) { harden(context.native_handle()); });
+    return config;
 }
 
 void Platform::setCertificateHook(web::http::client::http_client_config& config, CertificateHook hook)
 {
     config.set_ssl_context_callback([hook = std::move(hook)](boost::asio::ssl::context& context) {
+        harden(context.native_handle());
         auto owned = std::make_unique<CertificateHook>(hook);
         if (SSL_CTX_set_ex_data(context.native_handle(), hookSlot(), owned.get()) != 1) {
             throw std::bad_alloc();

@@ -28,7 +28,7 @@ void Platform::wantCertificate(HINTERNET request, const SharedHook& hook)
     }
 }
 
-void Platform::showCertificate(HINTERNET request)
+bool Platform::showCertificate(HINTERNET request)
 {
     const auto hook = hookOf(request);
     PCCERT_CONTEXT leaf = nullptr;
@@ -38,9 +38,9 @@ void Platform::showCertificate(HINTERNET request)
     // size
     if (!hook || WinHttpQueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, &leaf, &size) == FALSE ||
         leaf == nullptr) {
-        return;
+        return true;
     }
     const std::unique_ptr<const CERT_CONTEXT, BOOL(WINAPI*)(PCCERT_CONTEXT)> certificate(
         leaf, &CertFreeCertificateContext);
-    (*hook)(*certificate);
+    return (*hook)(*certificate);
 }

@@ -19,5 +19,6 @@ using SharedHook = std::shared_ptr<CertificateHook>;
 void wantCertificate(HINTERNET request, const SharedHook& hook);
 
 /// Shows the certificate of a request whose handshake is done to the hook that wants it, if there is one.
-void showCertificate(HINTERNET request);
+/// False if the hook says that the request may not go on.
+bool showCertificate(HINTERNET request);
 } // namespace Platform

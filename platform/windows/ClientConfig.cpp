@@ -31,8 +31,9 @@ void CALLBACK requestStatus(HINTERNET request, DWORD_PTR context, DWORD status, 
                             DWORD length) noexcept
 {
     try {
-        if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST) {
-            Platform::showCertificate(request);
+        if (status == WINHTTP_CALLBACK_STATUS_SENDING_REQUEST && !Platform::showCertificate(request)) {
+            failRequest(request, context);
+            return;
         }
         sdkCallback.load()(request, context, status, information, length);
     } catch (...) {

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
 
 using VantryIntegrationApi::PieceStream;
@@ -26,18 +25,6 @@ std::string readInSteps(Buffer buffer, std::size_t step)
     return read;
 }
 
-std::string readWhereItLies(Buffer buffer, std::size_t most)
-{
-    std::string read;
-    std::uint8_t* bytes = nullptr;
-    std::size_t count = 0;
-    while (buffer.acquire(bytes, count) && count > 0) {
-        const auto taken = std::min(count, most);
-        read.append(reinterpret_cast<const char*>(bytes), taken);
-        buffer.release(bytes, taken);
-    }
-    return read;
-}
 } // namespace
 
 TEST(PieceStream, GivesThePiecesInOrderInStepsOfAnySizeAsOftenAsItIsBegun)
@@ -45,14 +32,20 @@ TEST(PieceStream, GivesThePiecesInOrderInStepsOfAnySizeAsOftenAsItIsBegun)
     const PieceStream body(pieces);
     auto buffer = body.stream().streambuf();
     const auto start = buffer.getpos(std::ios_base::in);
-    for (const auto& read : {readInSteps, readWhereItLies}) {
-        for (const std::size_t step : {1U, 3U, 4U, 5U, 30U, 100U}) {
-            EXPECT_EQ(buffer.seekpos(start, std::ios_base::in), start);
-            EXPECT_EQ(buffer.in_avail(), whole.size());
-            EXPECT_EQ(read(buffer, step), whole) << step;
-            EXPECT_EQ(buffer.in_avail(), 0U);
-        }
+    for (const std::size_t step : {1U, 3U, 4U, 5U, 30U, 100U}) {
+        EXPECT_EQ(buffer.seekpos(start, std::ios_base::in), start);
+        EXPECT_EQ(buffer.in_avail(), whole.size());
+        EXPECT_EQ(readInSteps(buffer, step), whole) << step;
+        EXPECT_EQ(buffer.in_avail(), 0U);
     }
+}
+
+TEST(PieceStream, LendsNobodyItsBytesToReadLater)
+{
+    const PieceStream body(pieces);
+    std::uint8_t* bytes = nullptr;
+    std::size_t count = 0;
+    EXPECT_FALSE(body.stream().streambuf().acquire(bytes, count));
 }
 
 TEST(PieceStream, EndsWithItsOwner)
@@ -61,5 +54,4 @@ TEST(PieceStream, EndsWithItsOwner)
     const auto stream = body->stream();
     body.reset();
     EXPECT_EQ(readInSteps(stream.streambuf(), 1), "");
-    EXPECT_EQ(readWhereItLies(stream.streambuf(), 1), "");
 }

@@ -1,0 +1,242 @@
+#include "BoundedExchange.h"
+
+#include "OwnOutcome.h"
+#include "RequestConnection.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <system_error>
+
+using std::chrono::steady_clock;
+using web::http::http_response;
+namespace message_direction = web::http::message_direction;
+
+namespace
+{
+enum Limit : int
+{
+    BodySize = 1,
+    AnswerTime = 2,
+    HeadSize = 3,
+    Standstill = 4,
+    Unwanted = 5
+};
+
+class LimitCategory : public std::error_category
+{
+public:
+    const char* name() const noexcept override { return "limits of an exchange"; }
+
+    std::string message(int limit) const override
+    {
+        switch (limit) {
+        case BodySize:
+            return "The answer of the server is longer than 256 MiB.";
+        case AnswerTime:
+            return "The answer of the server takes longer than 10 minutes.";
+        case HeadSize:
+            return "The head of the server's answer is longer than 1 MiB.";
+        case Standstill:
+            return "The server has neither taken nor sent anything for 3 minutes.";
+        default:
+            return "The rest of the server's answer is not read.";
+        }
+    }
+};
+
+[[noreturn]] void refuse(Limit limit)
+{
+    static const LimitCategory category;
+    throw web::http::http_exception(limit, category);
+}
+
+/// What a body of `size` bytes takes on the connection at most: with its chunks' heads, and TLS.
+std::uint64_t onTheWire(std::uint64_t size)
+{
+    constexpr std::uint64_t share = 16;
+    return size + size / share;
+}
+} // namespace
+
+namespace VantryIntegrationApi
+{
+/// Shared by the operation's thread and those of the REST SDK.
+class BoundedExchange::State
+{
+public:
+    State(const ExchangeLimits& limits, std::shared_ptr<Platform::RequestConnection> connection,
+          std::uint64_t toSend)
+        : m_limits(limits), m_connection(std::move(connection))
+    {
+        m_transfer.toSend = toSend;
+    }
+
+    /// The REST SDK's report of a body's progress; what it throws ends the request.
+    void moved(message_direction::direction direction, std::uint64_t size)
+    {
+        m_connection->opened();
+        const std::lock_guard lock(m_mutex);
+        if (m_givenUp) {
+            refuse(Unwanted);
+        }
+        m_lastMove = steady_clock::now();
+        if (direction == message_direction::upload) {
+            m_transfer.sent = size;
+            m_lastSent = m_lastMove;
+            return;
+        }
+        m_headRead = true;
+        m_transfer.received = size;
+        if (size > m_limits.bodySize) {
+            refuse(BodySize);
+        }
+    }
+
+    void finish(const pplx::task<http_response>& answered, const Reader& reader)
+    {
+        ServerAnswer answer;
+        std::exception_ptr failure;
+        try {
+            auto response = answered.get();
+            headArrived(response);
+            answer = reader(response);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        const std::lock_guard lock(m_mutex);
+        m_answer = std::move(answer);
+        m_failure = failure;
+        m_finished = true;
+        m_body.reset();
+        m_changed.notify_all();
+    }
+
+    ServerAnswer wait(const TransferWatcher& watcher)
+    {
+        constexpr std::chrono::milliseconds look{20};
+        std::unique_lock lock(m_mutex);
+        while (!m_changed.wait_for(lock, look, [this] { return m_finished; })) {
+            requireWithinLimits();
+            if (watcher) {
+                const auto transfer = m_transfer;
+                lock.unlock(); // the host's code
+                if (!watcher(transfer)) {
+                    throw givenUpByHost();
+                }
+                lock.lock();
+            }
+        }
+        if (watcher) {
+            const auto transfer = m_transfer;
+            lock.unlock();
+            watcher(transfer);
+        }
+        if (m_failure) {
+            std::rethrow_exception(m_failure);
+        }
+        return std::move(m_answer);
+    }
+
+    void giveUp()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_givenUp = true;
+        }
+        m_connection->end();
+    }
+
+private:
+    void headArrived(const http_response& response)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_headRead = true;
+        m_transfer.toReceive = response.headers().content_length();
+        m_body = response.content_ready();
+    }
+
+    void requireWithinLimits()
+    {
+        if (m_body && m_body->is_done()) {
+            return; // it is only being read from memory
+        }
+        const auto now = steady_clock::now();
+        watchTheWire(now);
+        if (now - m_lastMove > m_limits.standstillTime) {
+            refuse(Standstill);
+        }
+        if (now - m_lastSent > m_limits.answerTime && m_headRead) {
+            refuse(AnswerTime);
+        }
+    }
+
+    /// The REST SDK reads a head, or a whole chunk, into memory before it reports any of it.
+    void watchTheWire(steady_clock::time_point now)
+    {
+        const auto read = m_connection->bytesRead();
+        if (!read) {
+            return;
+        }
+        if (*read > m_limits.headSize + onTheWire(m_limits.bodySize)) {
+            refuse(m_headRead ? BodySize : HeadSize);
+        }
+        if (m_headRead || *read <= m_limits.headSize) {
+            m_longHeadSince.reset();
+        } else if (!m_longHeadSince) {
+            m_longHeadSince = now;
+        } else if (now - *m_longHeadSince > m_limits.headGrace) {
+            refuse(HeadSize);
+        }
+        if (m_headRead && *read != m_bytesRead) {
+            m_lastMove = now;
+        }
+        m_bytesRead = *read;
+    }
+
+    const ExchangeLimits m_limits;
+    const std::shared_ptr<Platform::RequestConnection> m_connection;
+    std::mutex m_mutex; ///< guards what follows
+    std::condition_variable m_changed;
+    Transfer m_transfer;
+    steady_clock::time_point m_lastMove = steady_clock::now();
+    steady_clock::time_point m_lastSent = m_lastMove;
+    std::optional<steady_clock::time_point> m_longHeadSince;
+    std::uint64_t m_bytesRead = 0;
+    std::optional<pplx::task<http_response>> m_body; ///< done when all of it has come
+    bool m_headRead = false;
+    bool m_givenUp = false;
+    bool m_finished = false;
+    ServerAnswer m_answer;
+    std::exception_ptr m_failure;
+};
+
+BoundedExchange::BoundedExchange(const web::uri& base, web::http::client::http_client_config config,
+                                 web::http::http_request request, const ExchangeLimits& limits, Reader reader)
+{
+    auto connection = Platform::watchConnection(config, base.scheme() == U("https"));
+    m_state = std::make_shared<State>(limits, std::move(connection), request.headers().content_length());
+    request.set_progress_handler(
+        [state = m_state](message_direction::direction direction, utility::size64_t size) {
+            state->moved(direction, size);
+        });
+    web::http::client::http_client client(base, config);
+    client.request(request).then(
+        [state = m_state, reader = std::move(reader)](const pplx::task<http_response>& answered) {
+            state->finish(answered, reader);
+        });
+}
+
+BoundedExchange::~BoundedExchange()
+{
+    m_state->giveUp();
+}
+
+ServerAnswer BoundedExchange::wait(const TransferWatcher& watcher)
+{
+    return m_state->wait(watcher);
+}
+} // namespace VantryIntegrationApi
