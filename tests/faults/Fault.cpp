@@ -148,10 +148,13 @@ std::vector<Fault> readCatalogue()
 {
     std::ifstream file("tests/faults/faults.json");
     std::vector<Fault> faults;
+    std::size_t number = 0;
     for (const auto& section : json::parse(file)) {
         for (const auto& row : section["faults"]) {
             requireKnownWords(row);
             Fault fault(row);
+            fault.number = number++;
+            fault.inTurn = section.value("inTurn", false);
             if (!isWindows || !fault.is("linuxOnly")) {
                 faults.push_back(std::move(fault));
             }
@@ -185,6 +188,11 @@ Fault::Fault(const json& row)
 bool Fault::is(const char* flag) const
 {
     return std::find(flags.begin(), flags.end(), flag) != flags.end();
+}
+
+bool Fault::isShared() const
+{
+    return inTurn && host.empty() && only.empty() && but.empty() && !ticketId && !tickets;
 }
 
 const std::vector<Fault>& catalogue()

@@ -25,6 +25,11 @@ struct Fault
 
     bool is(const char* flag) const;
 
+    /// Whether it ends, or passes, in what all operations share, so that one of them stands for all.
+    bool isShared() const;
+
+    std::size_t number = 0; ///< the row's place in the file
+    bool inTurn = false;    ///< the section's: most of its rows are shared
     std::string name;
     std::string over;  ///< http, https or both
     std::string stage; ///< preparation: nothing is sent; probe: no request; exchange: one request at most
