@@ -128,7 +128,8 @@ private:
         }
     }
 
-    /// The parser stops behind the head first, whose bytes are kept as they are.
+    /// Has the parser stop behind the head, so that the head's bytes can be kept as they arrived, and go on
+    /// with the body.
     void parse()
     {
         const bool isHeadDone = m_parser->is_header_done();
@@ -184,10 +185,17 @@ private:
             return;
         }
         const Step& step = m_reply.steps[m_step];
-        if (step.wait.count() > 0 || step.times != 1) {
+        const bool isHeld = step.gate && !step.gate->isOpen();
+        if (isHeld || step.wait.count() > 0 || step.times != 1) {
             read(); // a write alone would not notice soon that the client has gone
         }
-        if (step.wait.count() > 0) {
+        if (isHeld) {
+            step.gate->whenOpen([weak = this->weak_from_this()] {
+                if (const auto self = weak.lock()) {
+                    self->goOn();
+                }
+            });
+        } else if (step.wait.count() > 0) {
             wait(step.wait, &Connection::write);
         } else {
             write();

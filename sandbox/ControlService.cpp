@@ -19,7 +19,7 @@ Json toJson(const std::vector<std::shared_ptr<const ReceivedRequest>>& requests)
         list.push_back({{"secure", received->secure},
                         {"method", view(received->request.method_string())},
                         {"target", view(received->request.target())},
-                        {"raw", toBase64(received->head + received->request.body())}});
+                        {"raw", toText(received->head + received->request.body())}});
     }
     return list;
 }
@@ -57,8 +57,10 @@ std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& autho
         order(http::verb::delete_, "/requests", [&state](const Request&) { state.requests.clear(); }),
         order(http::verb::post, "/answers",
               [&state](const Request& request) {
-                  state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body())));
+                  state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body()), state.gate));
               }),
+        order(http::verb::post, "/release",
+              [&state](const Request&) { std::exchange(state.gate, std::make_shared<Gate>())->open(); }),
         order(http::verb::post, "/connections",
               [&state](const Request& request) {
                   state.plannedConnections.add(readPlannedConnection(Json::parse(request.body())));

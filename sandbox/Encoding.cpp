@@ -1,30 +1,29 @@
 #include "Encoding.h"
 
-#include <openssl/evp.h>
+#include "Http.h"
 
-#include <algorithm>
+#include <boost/locale/encoding_utf.hpp>
 
 namespace sandbox
 {
-std::string toBase64(std::string_view bytes)
+using boost::locale::conv::utf_to_utf;
+
+std::string toText(std::string_view bytes)
 {
-    const std::size_t length = (bytes.size() + 2) / 3 * 4;
-    std::string text(length + 1, '\0'); // the encoder ends its output with a zero byte
-    EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
-                    reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
-    text.resize(length);
-    return text;
+    std::u32string text;
+    for (const unsigned char byte : bytes) {
+        text += byte;
+    }
+    return utf_to_utf<char>(text);
 }
 
-std::optional<std::string> fromBase64(std::string_view text)
+std::string toBytes(const std::string& text)
 {
-    std::string bytes(text.size() / 4 * 3, '\0');
-    const int length =
-        EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
-                        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
-    const auto padding = static_cast<int>(text.size() - text.find_last_not_of('=') - 1);
-    bytes.resize(static_cast<std::size_t>(std::max(0, length - padding)));
-    // The decoder takes more than it should.
-    return toBase64(bytes) == text ? std::optional(bytes) : std::nullopt;
+    std::string bytes;
+    for (const char32_t character : utf_to_utf<char32_t>(text)) {
+        require(character <= 0xFF, "a character of \"raw\" is no byte");
+        bytes += static_cast<char>(character);
+    }
+    return bytes;
 }
 } // namespace sandbox

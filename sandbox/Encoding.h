@@ -1,11 +1,14 @@
+/// @file
+/// Bytes in JSON text: each is the code point of its value.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace sandbox
 {
-std::string toBase64(std::string_view bytes);
-std::optional<std::string> fromBase64(std::string_view text);
+std::string toText(std::string_view bytes);
+
+/// @throws HttpError 400 for a code point beyond U+00FF
+std::string toBytes(const std::string& text);
 } // namespace sandbox

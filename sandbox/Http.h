@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -35,11 +37,32 @@ enum class Afterwards
     Stay   ///< open and silent until the client goes
 };
 
+/// Holds back answers until it is opened, once.
+class Gate
+{
+public:
+    bool isOpen() const { return m_isOpen; }
+    void whenOpen(std::function<void()> action) { m_actions.push_back(std::move(action)); }
+
+    void open()
+    {
+        m_isOpen = true;
+        for (const auto& action : std::exchange(m_actions, {})) {
+            action();
+        }
+    }
+
+private:
+    bool m_isOpen = false;
+    std::vector<std::function<void()>> m_actions;
+};
+
 struct Step
 {
     std::string bytes;
     std::chrono::milliseconds wait{0}; ///< before each time
     std::uint64_t times = 1;           ///< 0: without end, until the client goes
+    std::shared_ptr<Gate> gate = {};   ///< to be open before; null: none
 };
 
 /// What a connection writes.

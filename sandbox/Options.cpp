@@ -53,8 +53,8 @@ REST RESOURCES, under /helpdesk/rest, the same on both REST ports
 
 CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor given planned answers
   GET /requests      every request to the REST ports, in order of arrival: [{"secure":false,"method":"GET",
-                     "target":"/...","raw":"BASE64 of head and body as received, but for chunk headers"}].
-                     What is no valid HTTP request has an empty method and target.
+                     "target":"/...","raw":"head and body as received, but for chunk headers"}].
+                     Each character of "raw" is a byte. What is no valid HTTP request has an empty method and target.
   DELETE /requests   forgets them; 204
   POST /answers      plans the answer to the next request that it fits; 204, or 400 if malformed. Each is
                      used once, the oldest first. All members are optional:
@@ -63,13 +63,16 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
       "status", "headers", "body"
                          the answer; status 200 when absent. Reason phrase and Content-Length are added.
                          Status 1xx, 204 and 304 have neither body nor Content-Length.
-      "steps"            instead: [{"raw":BASE64,"waitMs":N,"times":N},...], written in this order, each
-                         "times" times (1 when absent; 0: without end, until the client goes) and each time
+      "steps"            instead: [{"raw":TEXT,"waitMs":N,"times":N},...], written in this order, each
+                         character a byte, "times" times (1 when absent; 0: without end, until the client goes) and each time
                          after "waitMs", at most one hour
       "then"             what follows the last step: "close" (in good order, as when absent), "drop" (close
                          without a TLS goodbye), "reset" (the connection), "stay" (open and silent until the
                          client goes)
       "delayMs"          how long to wait before the answer, at most one hour
+      "held"             true: the answer waits for POST /release
+  POST /release      has the answers go that were planned as held so far, also where the request has yet to
+                     come; 204
   POST /connections  plans the fate of one connection to come on a REST port; 204, or 400 if malformed. The
                      oldest that fits decides; it is used once:
       "secure"           true or false: the port that it fits; absent: any

@@ -51,13 +51,6 @@ public:
         return std::chrono::milliseconds(number(name, 0, longestWaitMs, 0));
     }
 
-    std::string bytes(const char* name) const
-    {
-        std::optional<std::string> bytes = fromBase64(get<std::string>(name).value_or(""));
-        require(bytes.has_value(), '"' + std::string(name) + "\" must be base64");
-        return *std::move(bytes);
-    }
-
     /// What the member's text stands for.
     template <typename Value>
     Value oneOf(const char* name, const std::map<std::string, Value>& values) const
@@ -77,8 +70,8 @@ std::vector<Step> readSteps(const Json& steps)
     std::vector<Step> list;
     for (const Json& step : steps.get_ref<const Json::array_t&>()) {
         const Members members(step, {"raw", "waitMs", "times"});
-        list.push_back(
-            {members.bytes("raw"), members.wait("waitMs"), members.number("times", 0, anyNumber, 1)});
+        list.push_back({toBytes(members.get<std::string>("raw").value_or("")), members.wait("waitMs"),
+                        members.number("times", 0, anyNumber, 1)});
     }
     return list;
 }
@@ -132,13 +125,15 @@ const std::map<std::string, CertificateKind> certificateKinds{
 };
 } // namespace
 
-PlannedAnswer readPlannedAnswer(const Json& order)
+PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate)
 {
-    const Members members(order, {"skip", "path", "delayMs", "status", "headers", "body", "steps", "then"});
+    const Members members(order,
+                          {"skip", "path", "delayMs", "held", "status", "headers", "body", "steps", "then"});
     PlannedAnswer planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.path = members.get<std::string>("path");
     planned.delay = members.wait("delayMs");
+    planned.gate = members.get<bool>("held").value_or(false) ? gate : nullptr;
     planned.script = readScript(members, order);
     planned.answer.status = static_cast<unsigned>(members.number("status", 100, 999, 200));
     if (members.has("headers")) {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -21,6 +22,7 @@ struct PlannedAnswer
     std::uint64_t skip = 0;          ///< so many that fit are let through first
     std::optional<std::string> path; ///< of the requests that it fits
     std::chrono::milliseconds delay{0};
+    std::shared_ptr<Gate> gate;  ///< to be open before the answer; null: none
     std::optional<Reply> script; ///< replaces the answer
     Answer answer;
 };
@@ -41,8 +43,9 @@ struct PlannedConnection
     CertificateKind certificate = CertificateKind::Good;
 };
 
+/// @param gate of answers that are to be held
 /// @throws HttpError 400 or Json::exception for an order that is malformed
-PlannedAnswer readPlannedAnswer(const Json& order);
+PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate);
 PlannedConnection readPlannedConnection(const Json& order);
 
 /// Each plan is used once, the oldest first.

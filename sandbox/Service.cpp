@@ -43,8 +43,8 @@ Answer answerByRoute(const std::vector<Route>& routes, const Request& request)
 Reply plannedReply(const PlannedAnswer& planned, const Request& request)
 {
     Reply reply = planned.script ? *planned.script : replyTo(request, planned.answer);
-    if (planned.delay.count() > 0) {
-        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay});
+    if (planned.delay.count() > 0 || planned.gate) {
+        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay, 1, planned.gate});
     }
     return reply;
 }

@@ -38,6 +38,7 @@ struct SharedState
     std::map<std::string, Attachment> attachments; ///< by their identifiers
     std::vector<std::shared_ptr<const ReceivedRequest>> requests;
     Plans<PlannedAnswer> plannedAnswers;
+    std::shared_ptr<Gate> gate = std::make_shared<Gate>(); ///< of answers that are planned from now on
     Plans<PlannedConnection> plannedConnections;
 };
 } // namespace sandbox

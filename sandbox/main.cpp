@@ -28,7 +28,6 @@ namespace
 {
 using namespace sandbox;
 
-constexpr std::chrono::milliseconds lookTime{5};
 constexpr std::chrono::seconds graceTime{5};
 
 /// The certificate authority as a file for clients, which goes with this object.
@@ -109,15 +108,13 @@ int serveCommand(boost::asio::io_context& context, boost::asio::signal_set& stop
                  const std::vector<std::string>& words)
 {
     boost::asio::steady_timer grace(context);
-    boost::process::child command = platform::start(words);
+    boost::process::child command = platform::start(context, words);
     stop.async_wait([&](boost::system::error_code, int signal) {
         platform::signal(command, signal);
         grace.expires_after(graceTime);
         grace.async_wait([&](boost::system::error_code) { command.terminate(); });
     });
-    while (command.running()) {
-        context.run_for(lookTime);
-    }
+    context.run();
     return platform::exitCode(command);
 }
 

@@ -40,25 +40,16 @@
 #include <wincrypt.h>
 #endif
 
-#include <gtest/gtest.h>
-
 #include <type_traits>
 
-TEST(PublicHeader, NumbersAreThoseOfTheBinaryInterface)
-{
-    EXPECT_EQ(WM_ASYNC_REQUEST_FINISHED, 0x8100U);
-    EXPECT_TRUE((std::is_same_v<decltype(WM_ASYNC_REQUEST_FINISHED), const UINT>));
-    EXPECT_EQ(Asset, 0);
-    EXPECT_EQ(Client, 1);
-    EXPECT_EQ(sizeof(VantryType), 4U);
-    EXPECT_TRUE((std::is_same_v<decltype(ResponseStatus::httpStatusCode), std::int32_t>));
-    EXPECT_TRUE((std::is_same_v<decltype(TechNote::workTime), std::uint32_t>));
-}
+// The numbers of the binary interface.
+static_assert(WM_ASYNC_REQUEST_FINISHED == 0x8100U);
+static_assert(std::is_same_v<decltype(WM_ASYNC_REQUEST_FINISHED), const UINT>);
+static_assert(Asset == 0 && Client == 1);
+static_assert(sizeof(VantryType) == 4);
+static_assert(std::is_same_v<decltype(ResponseStatus::httpStatusCode), std::int32_t>);
+static_assert(std::is_same_v<decltype(TechNote::workTime), std::uint32_t>);
 
-TEST(PublicHeader, ACallbackReadsTheWholeCertificate)
-{
-    const ValidateCertificateCallback callback = [](const CERT_CONTEXT& certificate) {
-        return certificate.cbCertEncoded == 0;
-    };
-    EXPECT_TRUE(callback(CERT_CONTEXT{}));
-}
+// A callback reads the whole certificate.
+static_assert(std::is_constructible_v<ValidateCertificateCallback, bool (*)(const CERT_CONTEXT&)>);
+static_assert(sizeof(CERT_CONTEXT::cbCertEncoded) == 4);

@@ -1,6 +1,7 @@
 #include "Platform.h"
 
 #include <boost/process/args.hpp>
+#include <boost/process/async.hpp>
 #include <boost/process/exe.hpp>
 #include <boost/process/extend.hpp>
 
@@ -60,10 +61,12 @@ void addStopSignals(boost::asio::signal_set& signals)
     }
 }
 
-process::child start(const std::vector<std::string>& command)
+process::child start(boost::asio::io_context& context, const std::vector<std::string>& command)
 {
-    return process::child(process::exe = command.front(),
-                          process::args = std::vector(std::next(command.begin()), command.end()), Leash());
+    return process::child(
+        process::exe = command.front(),
+        process::args = std::vector(std::next(command.begin()), command.end()), Leash(), context,
+        process::on_exit = [&context](auto&&...) { context.stop(); });
 }
 
 void signal(const process::child& command, int number)

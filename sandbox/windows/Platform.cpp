@@ -1,5 +1,6 @@
 #include "Platform.h"
 
+#include <boost/process/async.hpp>
 #include <boost/process/extend.hpp>
 
 #include <windows.h>
@@ -98,9 +99,10 @@ void addStopSignals(boost::asio::signal_set& signals)
     require(SetConsoleCtrlHandler(endInGoodOrder, TRUE) != 0, "cannot await the console's end");
 }
 
-process::child start(const std::vector<std::string>& /*command*/)
+process::child start(boost::asio::io_context& context, const std::vector<std::string>& /*command*/)
 {
-    return process::child(Leash());
+    return process::child(
+        Leash(), context, process::on_exit = [&context](auto&&...) { context.stop(); });
 }
 
 void signal(const process::child& /*command*/, int /*number*/) {}

@@ -28,10 +28,7 @@ std::wstring textOf(const json& value)
 /// Each character of the text is a byte. <<N*text>> is N times the text, # in it the number from 0 on.
 std::string bytesOf(const json& value)
 {
-    std::string bytes;
-    for (const auto character : textOf(value)) {
-        bytes += static_cast<char>(character);
-    }
+    auto bytes = toBytes(textOf(value));
     for (auto at = bytes.find("<<"); at != std::string::npos; at = bytes.find("<<", at)) {
         const auto star = bytes.find('*', at);
         const auto end = bytes.find(">>", star);

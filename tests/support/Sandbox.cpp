@@ -11,7 +11,6 @@
 
 using nlohmann::json;
 using utility::conversions::to_string_t;
-using utility::conversions::to_utf8string;
 
 namespace
 {
@@ -77,6 +76,12 @@ Answer& Answer::after(int milliseconds)
     return *this;
 }
 
+Answer& Answer::held()
+{
+    m_plan["held"] = true;
+    return *this;
+}
+
 Answer Answer::bytes(const std::string& raw)
 {
     return script({{raw}}, "close");
@@ -86,8 +91,10 @@ Answer Answer::script(const std::vector<Step>& steps, const std::string& then)
 {
     auto orders = json::array();
     for (const auto& step : steps) {
-        const auto raw = utility::conversions::to_base64({step.bytes.begin(), step.bytes.end()});
-        orders.push_back({{"raw", to_utf8string(raw)}, {"waitMs", step.waitMs}, {"times", step.times}});
+        const std::basic_string_view bytes(reinterpret_cast<const unsigned char*>(step.bytes.data()),
+                                           step.bytes.size());
+        orders.push_back(
+            {{"raw", narrow({bytes.begin(), bytes.end()})}, {"waitMs", step.waitMs}, {"times", step.times}});
     }
     return Answer(json{{"steps", orders}, {"then", then}});
 }
@@ -104,8 +111,8 @@ std::vector<Request> Sandbox::allRequests() const
 {
     std::vector<Request> requests;
     for (const auto& entry : json::parse(get("/requests"))) {
-        const auto raw = utility::conversions::from_base64(to_string_t(entry.at("raw").get<std::string>()));
-        requests.push_back(parsed(entry.at("secure").get<bool>(), {raw.begin(), raw.end()}));
+        requests.push_back(
+            parsed(entry.at("secure").get<bool>(), toBytes(wide(entry.at("raw").get<std::string>()))));
     }
     return requests;
 }

@@ -40,6 +40,7 @@ public:
     Answer& to(const std::string& path); ///< only for requests of this path
     Answer& header(const std::string& name, const std::string& value);
     Answer& after(int milliseconds);
+    Answer& held(); ///< until Sandbox::release()
 
     /// Exactly these bytes.
     static Answer bytes(const std::string& raw);
@@ -76,6 +77,8 @@ public:
     void forgetRequests() const { control("DELETE", "/requests"); }
 
     void plan(const Answer& answer) const { control("POST", "/answers", answer.plan().dump()); }
+    /// Has the answers go that are held, also where the request has yet to come.
+    void release() const { control("POST", "/release"); }
     /// The fate of a connection to come, in the control interface's words.
     void planConnection(const nlohmann::json& fate) const { control("POST", "/connections", fate.dump()); }
     /// Forgets what was planned and has not come.

@@ -16,6 +16,16 @@ inline std::wstring wide(const std::wstring& text)
     return text;
 }
 
+/// Each character, which is below 256, as a byte.
+inline std::string toBytes(const std::wstring& text)
+{
+    std::string bytes;
+    for (const auto character : text) {
+        bytes += static_cast<char>(character);
+    }
+    return bytes;
+}
+
 inline std::string narrow(const std::wstring& text)
 {
     return boost::locale::conv::utf_to_utf<char>(text);
