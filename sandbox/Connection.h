@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Certificates.h"
 #include "Service.h"
 
 #include <boost/asio/buffer.hpp>
@@ -9,6 +10,7 @@
 #include <boost/asio/write.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/parser.hpp>
+#include <openssl/ssl.h>
 
 #include <chrono>
 #include <cstddef>
@@ -28,9 +30,10 @@ template <typename Stream>
 class Connection : public std::enable_shared_from_this<Connection<Stream>>
 {
 public:
-    Connection(Stream stream, Service& service)
+    /// @param authority issues the certificates for renegotiations of TLS; null: there are none
+    Connection(Stream stream, Service& service, CertificateAuthority* authority)
         : m_stream(std::move(stream)), m_timer(m_stream.get_executor()), m_service(service),
-          m_received(chunkSize)
+          m_authority(authority), m_received(chunkSize)
     {}
 
     void start()
@@ -205,7 +208,25 @@ private:
     void write()
     {
         boost::asio::async_write(m_stream, boost::asio::buffer(m_reply.steps[m_step].bytes),
-                                 then(&Connection::countWritten));
+                                 then(&Connection::renegotiate));
+    }
+
+    /// Asks the client for another handshake, which the reading then makes; only TLS 1.2 has it.
+    void renegotiate()
+    {
+        if constexpr (isSecure) {
+            if (const auto& certificate = m_reply.steps[m_step].renegotiated) {
+                auto* const tls = m_stream.native_handle();
+                SSL_set_SSL_CTX(tls, m_authority->certificate(*certificate).tls->native_handle());
+                SSL_set_options(tls,
+                                SSL_OP_NO_SESSION_RESUMPTION_ON_RENEGOTIATION); // else nothing is presented
+                SSL_renegotiate(tls);
+                m_stream.async_handshake(boost::asio::ssl::stream_base::server,
+                                         then(&Connection::countWritten));
+                return;
+            }
+        }
+        countWritten();
     }
 
     void countWritten()
@@ -271,6 +292,7 @@ private:
     Stream m_stream;
     boost::asio::steady_timer m_timer;
     Service& m_service;
+    CertificateAuthority* m_authority;
     std::vector<char> m_received; ///< what the read under way writes to
     bool m_isReading = false;
     std::string m_unparsed;

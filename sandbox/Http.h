@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Certificates.h"
+
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <nlohmann/json.hpp>
@@ -8,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -63,6 +66,7 @@ struct Step
     std::chrono::milliseconds wait{0}; ///< before each time
     std::uint64_t times = 1;           ///< 0: without end, until the client goes
     std::shared_ptr<Gate> gate = {};   ///< to be open before; null: none
+    std::optional<CertificateKind> renegotiated = std::nullopt; ///< by TLS 1.2, after the bytes
 };
 
 /// What a connection writes.

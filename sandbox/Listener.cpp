@@ -3,6 +3,7 @@
 #include "Connection.h"
 
 #include <boost/asio/ssl/context.hpp>
+#include <openssl/ssl.h>
 
 #include <chrono>
 #include <memory>
@@ -17,9 +18,17 @@ using boost::asio::ip::tcp;
 constexpr std::chrono::milliseconds acceptPause{50};
 
 template <typename Stream>
-auto connectionOver(Stream stream, Service& service)
+auto connectionOver(Stream stream, Service& service, CertificateAuthority* authority = nullptr)
 {
-    return std::make_shared<Connection<Stream>>(std::move(stream), service);
+    return std::make_shared<Connection<Stream>>(std::move(stream), service, authority);
+}
+
+void speakOnly(int tlsVersion, SSL& tls)
+{
+    SSL_clear_options(&tls, SSL_OP_NO_TLSv1_1);
+    SSL_set_security_level(&tls, 0); // versions before 1.2 sign in ways that every other level forbids
+    SSL_set_min_proto_version(&tls, tlsVersion);
+    SSL_set_max_proto_version(&tls, tlsVersion);
 }
 } // namespace
 
@@ -65,7 +74,11 @@ void Listener::serve(tcp::socket socket)
         connectionOver(std::move(socket), *m_service)->start();
     } else {
         auto& tls = *m_authority->certificate(plan.certificate).tls;
-        connectionOver(boost::asio::ssl::stream<tcp::socket>(std::move(socket), tls), *m_service)->start();
+        boost::asio::ssl::stream<tcp::socket> stream(std::move(socket), tls);
+        if (plan.tlsVersion) {
+            speakOnly(*plan.tlsVersion, *stream.native_handle());
+        }
+        connectionOver(std::move(stream), *m_service, m_authority)->start();
     }
 }
 } // namespace sandbox

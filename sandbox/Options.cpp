@@ -65,7 +65,8 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
                          Status 1xx, 204 and 304 have neither body nor Content-Length.
       "steps"            instead: [{"raw":TEXT,"waitMs":N,"times":N},...], written in this order, each
                          character a byte, "times" times (1 when absent; 0: without end, until the client goes) and each time
-                         after "waitMs", at most one hour
+                         after "waitMs", at most one hour; with "renegotiate":CERTIFICATE the bytes are
+                         followed by a renegotiation that presents it, where TLS 1.2 is spoken
       "then"             what follows the last step: "close" (in good order, as when absent), "drop" (close
                          without a TLS goodbye), "reset" (the connection), "stay" (open and silent until the
                          client goes)
@@ -77,13 +78,14 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
                      oldest that fits decides; it is used once:
       "secure"           true or false: the port that it fits; absent: any
       "skip"             so many connections that fit are let through first
-      and one of these two:
+      and "fault", or one or both of the others:
       "fault"            "close", "reset"; "silent" (never a byte; no more than 64 KiB are read in the first
                          two minutes); or, when the client has begun to speak: "plain" (HTTP text), "alert"
                          (a fatal TLS alert), "garbage" (neither HTTP nor TLS), "closeInHandshake" (half of
                          a TLS ServerHello), each closed afterwards
       "certificate"      what the TLS port presents: "expired", "notYetValid", "otherHost", "selfSigned",
-                         "unknownCa", or "other", which is another good one of the same CA
+                         "unknownCa", or "other", which is another good one of the same CA; "good" when absent
+      "tls"              the only version that it speaks: "1.1" or "1.2"; absent: 1.2 and 1.3
   DELETE /plans      forgets the planned answers and connections; 204
   POST /reset        forgets sessions, tickets, tech notes, attachments, requests and all that is planned; 204
   GET /state         {"sessions":[{"key","cookie","user"}],

@@ -2,6 +2,8 @@
 
 #include "Encoding.h"
 
+#include <openssl/tls1.h>
+
 #include <initializer_list>
 #include <limits>
 #include <map>
@@ -61,17 +63,36 @@ public:
         return found->second;
     }
 
+    template <typename Value>
+    std::optional<Value> optionalOf(const char* name, const std::map<std::string, Value>& values) const
+    {
+        return has(name) ? std::optional(oneOf(name, values)) : std::nullopt;
+    }
+
 private:
     const Json& m_order;
 };
+
+const std::map<std::string, CertificateKind> certificateKinds{
+    {"good", CertificateKind::Good},
+    {"expired", CertificateKind::Expired},
+    {"notYetValid", CertificateKind::NotYetValid},
+    {"otherHost", CertificateKind::OtherHost},
+    {"selfSigned", CertificateKind::SelfSigned},
+    {"unknownCa", CertificateKind::UnknownCa},
+    {"other", CertificateKind::Other},
+};
+
+const std::map<std::string, int> tlsVersions{{"1.1", TLS1_1_VERSION}, {"1.2", TLS1_2_VERSION}};
 
 std::vector<Step> readSteps(const Json& steps)
 {
     std::vector<Step> list;
     for (const Json& step : steps.get_ref<const Json::array_t&>()) {
-        const Members members(step, {"raw", "waitMs", "times"});
+        const Members members(step, {"raw", "waitMs", "times", "renegotiate"});
         list.push_back({toBytes(members.get<std::string>("raw").value_or("")), members.wait("waitMs"),
-                        members.number("times", 0, anyNumber, 1)});
+                        members.number("times", 0, anyNumber, 1), {},
+                        members.optionalOf("renegotiate", certificateKinds)});
     }
     return list;
 }
@@ -118,11 +139,6 @@ const std::map<std::string, Misbehaviour>& misbehaviours()
     return all;
 }
 
-const std::map<std::string, CertificateKind> certificateKinds{
-    {"expired", CertificateKind::Expired},     {"notYetValid", CertificateKind::NotYetValid},
-    {"otherHost", CertificateKind::OtherHost}, {"selfSigned", CertificateKind::SelfSigned},
-    {"unknownCa", CertificateKind::UnknownCa}, {"other", CertificateKind::Other},
-};
 } // namespace
 
 PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate)
@@ -147,18 +163,21 @@ PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& 
 
 PlannedConnection readPlannedConnection(const Json& order)
 {
-    const Members members(order, {"skip", "secure", "fault", "certificate"});
-    require(members.has("fault") != members.has("certificate"),
-            R"(either "fault" or "certificate" is expected)");
+    const Members members(order, {"skip", "secure", "fault", "certificate", "tls"});
+    const bool isTls = members.has("certificate") || members.has("tls");
+    require(members.has("fault") != isTls, R"(either "fault", or "certificate" and "tls", are expected)");
     PlannedConnection planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.secure = members.get<bool>("secure");
     if (members.has("fault")) {
         planned.misbehaviour = members.oneOf("fault", misbehaviours());
     } else {
-        require(planned.secure.value_or(true), "a connection without TLS has no certificate");
+        require(planned.secure.value_or(true),
+                "a connection without TLS has neither certificate nor version");
         planned.secure = true;
-        planned.certificate = members.oneOf("certificate", certificateKinds);
+        planned.certificate =
+            members.optionalOf("certificate", certificateKinds).value_or(CertificateKind::Good);
+        planned.tlsVersion = members.optionalOf("tls", tlsVersions);
     }
     return planned;
 }

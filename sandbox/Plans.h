@@ -34,13 +34,14 @@ struct Misbehaviour
     Reply reply;
 };
 
-/// The fate of one connection to come: a misbehaviour or a certificate.
+/// The fate of one connection to come: a misbehaviour, or a certificate and a version of TLS.
 struct PlannedConnection
 {
     std::uint64_t skip = 0;
     std::optional<bool> secure;
     std::optional<Misbehaviour> misbehaviour;
     CertificateKind certificate = CertificateKind::Good;
+    std::optional<int> tlsVersion; ///< the only one that is spoken, as OpenSSL numbers it
 };
 
 /// @param gate of answers that are to be held
