@@ -114,6 +114,49 @@ TEST_F(UnknownAuthority, FailsBeforeTheHostIsAsked)
     expectLog("unknown-authority", texts, {{status.errorMessage, L"{message}"}});
 }
 
+TEST_F(Certificate, AnotherServerThanTheAcceptedOneIsSentNothing)
+{
+    answerWith(true);
+    sandbox.planConnection({{"certificate", "other"}, {"skip", 1}});
+    CreateSession();
+    expectStatus(601, certificateRefusedText);
+    EXPECT_EQ(asked, 1);
+    EXPECT_TRUE(seen == sandbox.get("/leaf.der"));
+    EXPECT_EQ(sandbox.probes(), 1U);
+    EXPECT_TRUE(sandbox.requests().empty());
+    EXPECT_FALSE(log.containing(L"ERROR CVantryApi ").empty());
+}
+
+TEST_F(Certificate, AServerThatTheSystemRefusesIsSentNothingInTheWordsOfTheProbe)
+{
+    const auto refusalOf = [this](const char* certificate, int skipped) {
+        sandbox.planConnection({{"certificate", certificate}, {"skip", skipped}});
+        CreateSession();
+        EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
+        EXPECT_TRUE(sandbox.requests().empty());
+        return GetLastResponse().errorMessage;
+    };
+    for (const auto* const certificate : {"unknownCa", "expired", "notYetValid", "otherHost"}) {
+        SCOPED_TRACE(certificate);
+        EXPECT_EQ(refusalOf(certificate, 1), refusalOf(certificate, 0));
+    }
+}
+
+/// The first probe's connection goes on with another certificate while the second probe awaits its answer.
+TEST_F(Certificate, AnEarlierProbesConnectionChangesNothingThatIsShown)
+{
+    const std::string begun = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<html>";
+    answerWith(true);
+    sandbox.planConnection({{"tls", "1.2"}});
+    sandbox.plan(Answer::script({{begun}, {"", 10, 100, "other"}}, "stay").to("/"));
+    CreateSession();
+    sandbox.plan(Answer(200).to("/").after(500));
+    CreateSession();
+    EXPECT_EQ(asked, 2);
+    EXPECT_TRUE(seen == sandbox.get("/leaf.der"));
+    expectStatus(200, L"OK");
+}
+
 TEST_F(Certificate, AnExceptionOfTheCallbackCountsAsARefusal)
 {
     SetValidateCertificateCallback(

@@ -70,6 +70,40 @@ TEST_F(Settings, OnlyTheCallbackSetLastIsKept)
     EXPECT_EQ(second.use_count(), 1);
 }
 
+namespace
+{
+/// Notes, whenever it is copied, whether what the callback before it held is gone.
+struct Successor
+{
+    Successor(std::weak_ptr<int> before, bool& wasGone) : before(std::move(before)), wasGone(wasGone) {}
+    Successor(const Successor& other) : before(other.before), wasGone(other.wasGone)
+    {
+        wasGone = before.expired();
+    }
+    Successor(Successor&&) = default;
+    Successor& operator=(const Successor&) = delete;
+    Successor& operator=(Successor&&) = delete;
+    ~Successor() = default;
+
+    bool operator()(const CERT_CONTEXT& /*certificate*/) const { return true; }
+
+    std::weak_ptr<int> before;
+    bool& wasGone;
+};
+} // namespace
+
+TEST_F(Settings, ACallbackGoesBeforeTheNextOneIsKept)
+{
+    auto held = std::make_shared<int>();
+    bool wasGone = false;
+    const Successor successor(held, wasGone);
+    SetValidateCertificateCallback([held](const CERT_CONTEXT&) { return held != nullptr; });
+    held.reset();
+    SetValidateCertificateCallback(successor);
+    EXPECT_TRUE(wasGone);
+    SetValidateCertificateCallback({});
+}
+
 TEST_F(Settings, EverySettingCountsFromTheNextOperation)
 {
     SetCredentials(L"nobody", L"nothing");

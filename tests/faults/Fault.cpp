@@ -84,8 +84,8 @@ Script scriptOf(const json& row)
         return script;
     }
     for (const auto& step : row.value("steps", json::array({row}))) {
-        script.steps.push_back(
-            {answerBytes(step), step.value("waitMs", 0), step.value("times", std::uint64_t(1))});
+        script.steps.push_back({answerBytes(step), step.value("waitMs", 0),
+                                step.value("times", std::uint64_t(1)), step.value("renegotiate", "")});
     }
     return script;
 }
@@ -137,7 +137,7 @@ void requireKnownWords(const json& row)
                            "note",   "only",    "over",       "probe",       "stage",    "text",
                            "ticket", "tickets", "ticketId",   "what",        "windows"});
     requireKnown(row.value("flags", std::vector<std::string>()),
-                 {"costly", "downloads", "linuxOnly", "losesWindow", "orUsual", "silent", "text",
+                 {"costly", "downloads", "large", "linuxOnly", "losesWindow", "orUsual", "silent", "text",
                   "unsanitized", "waits", "withoutWindow"});
 }
 

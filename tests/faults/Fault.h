@@ -32,7 +32,8 @@ struct Fault
     bool inTurn = false;    ///< the section's: most of its rows are shared
     std::string name;
     std::string over;  ///< http, https or both
-    std::string stage; ///< preparation: nothing is sent; probe: no request; exchange: one request at most
+    std::string stage; ///< preparation: nothing is sent; probe: no request; connection: none leaves, though
+                       ///< your callback has accepted; exchange: one at most
     std::optional<Script> answer;
     std::optional<Script> probe;
     std::optional<nlohmann::json> connection; ///< the sandbox's order, without "secure"

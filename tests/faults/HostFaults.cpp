@@ -47,6 +47,7 @@ const std::map<std::string, Begin>& hostFaults()
         {"callbackRefuses", callback([](const CERT_CONTEXT&) { return false; })},
         {"callbackThrows", callback(noScreen)},
         {"callbackThrowsANumber", callback([](const CERT_CONTEXT&) -> bool { throw 7; })},
+        {"noCallback", callback(nullptr)},
         {"callbackReads", callback(readsAll)},
         {"callbackRunsAnOperation", callback(runsAnOperation)},
         {"callbackTakesItselfBack",

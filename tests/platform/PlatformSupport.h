@@ -20,6 +20,13 @@ constexpr bool isSanitized = VANTRY_SANITIZED;
 /// Memory of this process that is in use, in bytes.
 std::size_t residentMemory();
 
+/// The most memory of this process that has been in use at a time, in bytes.
+std::size_t peakMemory();
+
+/// From now on the system itself would speak every version of TLS, with every cipher: what is refused is
+/// refused by the library.
+void allowOldTls();
+
 std::size_t countThreads();
 
 /// Handles, or descriptors.

@@ -29,6 +29,9 @@ public:
     /// From now on the window is gone: nothing that is posted to it arrives.
     void die();
 
+    /// From now on whoever posts is slow to go on. On Windows the system decides that.
+    void delaySender(std::chrono::milliseconds time);
+
     /// The next message that was posted to the window; nothing if none comes within the limit.
     std::optional<PostedMessage> next(std::chrono::milliseconds limit);
 

@@ -95,6 +95,9 @@ Answer Answer::script(const std::vector<Step>& steps, const std::string& then)
                                            step.bytes.size());
         orders.push_back(
             {{"raw", narrow({bytes.begin(), bytes.end()})}, {"waitMs", step.waitMs}, {"times", step.times}});
+        if (!step.renegotiate.empty()) {
+            orders.back()["renegotiate"] = step.renegotiate;
+        }
     }
     return Answer(json{{"steps", orders}, {"then", then}});
 }

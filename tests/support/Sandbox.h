@@ -21,12 +21,13 @@ struct Request
 };
 
 /// A piece of an answer in the server's own bytes, written `times` times (0: until the client goes), after a
-/// wait each.
+/// wait each, and followed by a renegotiation of TLS that presents a certificate, if one is named.
 struct Step
 {
     std::string bytes;
     int waitMs = 0;
     std::uint64_t times = 1;
+    std::string renegotiate = {};
 };
 
 /// An answer that replaces the sandbox's own, once.

@@ -4,6 +4,7 @@
 #include <deque>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 
 struct TestWindow::State
 {
@@ -12,17 +13,21 @@ struct TestWindow::State
     std::deque<PostedMessage> messages;
     HWND__ window;
     bool dead = false;
+    std::chrono::milliseconds delay{0};
 };
 
 TestWindow::TestWindow() : m_state(std::make_unique<State>())
 {
     m_state->window.post = [state = m_state.get()](UINT message, WPARAM wParam, LPARAM lParam) {
-        const std::lock_guard lock(state->mutex);
+        std::unique_lock lock(state->mutex);
         if (state->dead) {
             throw std::runtime_error("the window is gone");
         }
         state->messages.push_back({message, wParam, lParam});
         state->arrived.notify_one();
+        const auto delay = state->delay;
+        lock.unlock();
+        std::this_thread::sleep_for(delay);
     };
 }
 
@@ -37,6 +42,12 @@ void TestWindow::die()
 {
     const std::lock_guard lock(m_state->mutex);
     m_state->dead = true;
+}
+
+void TestWindow::delaySender(std::chrono::milliseconds time)
+{
+    const std::lock_guard lock(m_state->mutex);
+    m_state->delay = time;
 }
 
 std::optional<PostedMessage> TestWindow::next(std::chrono::milliseconds limit)

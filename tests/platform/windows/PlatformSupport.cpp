@@ -29,13 +29,29 @@ void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
     trustByUser(der);
 }
 
-std::size_t residentMemory()
+// Schannel speaks what a program asks for.
+void allowOldTls() {}
+
+namespace
+{
+PROCESS_MEMORY_COUNTERS memoryCounters()
 {
     PROCESS_MEMORY_COUNTERS counters{};
     if (K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) == 0) {
         throw std::runtime_error("GetProcessMemoryInfo failed with " + std::to_string(GetLastError()));
     }
-    return counters.WorkingSetSize;
+    return counters;
+}
+} // namespace
+
+std::size_t residentMemory()
+{
+    return memoryCounters().WorkingSetSize;
+}
+
+std::size_t peakMemory()
+{
+    return memoryCounters().PeakWorkingSetSize;
 }
 
 std::size_t countThreads()

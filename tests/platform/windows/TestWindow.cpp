@@ -29,6 +29,8 @@ void TestWindow::die()
     DestroyWindow(m_state->window);
 }
 
+void TestWindow::delaySender(std::chrono::milliseconds /*time*/) {}
+
 HWND TestWindow::handle() const
 {
     return m_state->window;
