@@ -2,6 +2,7 @@
 
 #include "support/Text.h"
 
+#include <cpprest/http_client.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -147,7 +148,10 @@ std::string Sandbox::control(const std::string& method, const std::string& path,
     if (!body.empty()) {
         request.set_body(body, "application/json");
     }
-    const auto response = m_control.request(request).get();
+    // One request each: a client that has kept a connection may try to connect it again when a name's first
+    // address refuses.
+    web::http::client::http_client client(m_control);
+    const auto response = client.request(request).get();
     const auto answer = response.extract_vector().get();
     if (response.status_code() >= 300) {
         throw std::runtime_error("the sandbox refused " + path + ": " +
