@@ -28,6 +28,9 @@ take_texts() {
         --wildcards --no-wildcards-match-slash "${texts[@]/#/*/}"
 }
 
+# installed_package PATTERN: its name and version; a known package that is not installed has no version
+installed_package() { dpkg-query --show --showformat='${Package} ${Version}\n' "$1" | awk 'NF == 2'; }
+
 # take_debian_texts NAME PACKAGE
 take_debian_texts() {
     cp "/usr/share/doc/$2/copyright" "$licenses/$1/"
@@ -91,9 +94,9 @@ while read -r name licence origin texts; do
         version=$(source_version "$name")
         describe "$name" "$licence" "$version" "pkg:deb/debian/$(source_package "$name")@${version//+/%2B}?arch=source"
     else
-        take_debian_texts "$name" "$origin"
-        version=$(dpkg-query --show --showformat='${Version}' "$origin")
-        describe "$name" "$licence" "$version" "pkg:deb/debian/$origin@${version//+/%2B}"
+        read -r package version < <(installed_package "$origin")
+        take_debian_texts "$name" "$package"
+        describe "$name" "$licence" "$version" "pkg:deb/debian/$package@${version//+/%2B}"
     fi
 done < <(rows "$recipe_dir/components")
 
