@@ -4,8 +4,10 @@
 
 #include <wincrypt.h>
 
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 namespace
 {
@@ -16,8 +18,11 @@ struct CloseStore
 
 std::unique_ptr<void, CloseStore> rootsOfUser()
 {
+    const char* const roots = std::getenv("VANTRY_ROOTS");
+    const bool ofMachine = roots != nullptr && std::string_view(roots) == "machine";
     std::unique_ptr<void, CloseStore> store(
-        CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
+        CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0,
+                      ofMachine ? CERT_SYSTEM_STORE_LOCAL_MACHINE : CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
     if (!store) {
         throw std::runtime_error("CertOpenStore failed with " + std::to_string(GetLastError()));
     }

@@ -1,6 +1,7 @@
 /// @file
 /// The authorities that the current user of this Windows trusts. Real Windows asks the person at every
-/// change.
+/// change. With VANTRY_ROOTS=machine in the environment they are those of all users, which an administrator
+/// changes unasked.
 #pragma once
 
 #include <string>

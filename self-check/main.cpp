@@ -186,7 +186,7 @@ bool checkSystem(Report& report)
     report.line(describeSystem());
     report.line("");
     std::cout << "The tests need the certificate of their own server to be trusted until they have ended.\n"
-                 "Windows now asks you about \"Vantry Sandbox CA\"; it asks again before it is removed."
+                 "Windows may ask you about \"Vantry Sandbox CA\" now, and again before it is removed."
               << std::endl;
     SelfCheck check(report);
     {
