@@ -1,6 +1,7 @@
 #include "Addresses.h"
 #include "BoundedExchange.h"
 #include "ClientConfig.h"
+#include "ErrorText.h"
 #include "ModuleTexts.h"
 #include "OwnOutcome.h"
 #include "RestText.h"
@@ -97,7 +98,7 @@ bool CVantryApi::validateCertificateRequest()
         LUMO_ERROR(log, L"Certificate validation wasn't successful.");
         m_lastResponse = outcome.status();
     } catch (const web::http::http_exception& e) {
-        const auto message = fromAnsi(e.error_code().message());
+        const auto message = Platform::errorText(e.error_code());
         LUMO_FATAL(log, L"http_exception happened: " << fromAnsi(e.what()));
         LUMO_ERROR(log, L"Certificate validation wasn't successful.");
         LUMO_FATAL(log, L"Error Code: " << e.error_code().value() << L"; Message: " << message);

@@ -1,5 +1,6 @@
 #include "GuardedCall.h"
 
+#include "ErrorText.h"
 #include "ModuleTexts.h"
 #include "OwnOutcome.h"
 #include "StringTable.h"
@@ -20,7 +21,7 @@ ServerAnswer safe_CallMethod(const std::function<ServerAnswer()>& method)
         status = outcome.status();
     } catch (const web::http::http_exception& e) {
         LUMO_FATAL(log, L"http_exception happened: " << fromAnsi(e.what()));
-        const auto message = fromAnsi(e.error_code().message());
+        const auto message = Platform::errorText(e.error_code());
         LUMO_FATAL(log, L"Error Code: " << e.error_code().value() << L"; Message: " << message);
         status = {requestFailedStatus, message};
     } catch (const web::uri_exception& e) {

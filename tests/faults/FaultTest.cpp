@@ -9,6 +9,8 @@
 #include "support/VantryTest.h"
 
 #include <boost/algorithm/string/replace.hpp>
+#include <cpprest/base_uri.h>
+#include <cpprest/json.h>
 
 #include <algorithm>
 #include <chrono>
