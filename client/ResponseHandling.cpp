@@ -75,7 +75,7 @@ json::value extractJson(const http_response& response, const utility::string_t& 
         return response.extract_json().get(); // which refuses the types that only look like it
     }
     auto text = extractText(response, contentType == jsonType || saysUtf8(contentType));
-    return text.empty() ? json::value() : parsed(std::move(text));
+    return text.empty() ? response.extract_json().get() : parsed(std::move(text));
 }
 
 void traceBody(const http_response& response)

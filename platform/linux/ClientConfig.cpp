@@ -40,23 +40,23 @@ bool mayGoOn(X509* leaf, const CertificateHook& hook)
     return hook(*certificate);
 }
 
-/// Asks the hook about the leaf and lets OpenSSL decide besides, as it would have without us.
+/// Lets OpenSSL decide, as it would have without us, and then asks the hook about the leaf.
 int verifyChain(X509_STORE_CTX* store, void* /*argument*/)
 {
+    if (X509_verify_cert(store) != 1) {
+        return 0;
+    }
     const auto* ssl =
         static_cast<SSL*>(X509_STORE_CTX_get_ex_data(store, SSL_get_ex_data_X509_STORE_CTX_idx()));
     const auto* hook = static_cast<CertificateHook*>(SSL_CTX_get_ex_data(SSL_get_SSL_CTX(ssl), hookSlot()));
-    if (auto* leaf = X509_STORE_CTX_get0_cert(store); leaf != nullptr) {
-        try {
-            if (!mayGoOn(leaf, *hook)) {
-                X509_STORE_CTX_set_error(store, X509_V_ERR_APPLICATION_VERIFICATION);
-                return 0;
-            }
-        } catch (...) { // none may pass through OpenSSL's frames; unseen means untrusted
-            return 0;
+    try {
+        if (mayGoOn(X509_STORE_CTX_get0_cert(store), *hook)) {
+            return 1;
         }
+    } catch (...) { // none may pass through OpenSSL's frames; unseen means untrusted
     }
-    return X509_verify_cert(store);
+    X509_STORE_CTX_set_error(store, X509_V_ERR_APPLICATION_VERIFICATION);
+    return 0;
 }
 
 /// A server that renegotiates would have a second handshake, and a second certificate, in a connection whose
