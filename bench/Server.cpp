@@ -176,8 +176,8 @@ int run(const std::vector<std::string>& command)
 
     setenv("VANTRY_BENCH_HTTP", plain.c_str(), 1);
     setenv("VANTRY_BENCH_HTTPS", secure.c_str(), 1);
-    auto child = sandbox::platform::start(command);
-    child.wait();
+    const auto child = sandbox::platform::start(context, command);
+    context.run();
     return sandbox::platform::exitCode(child);
 }
 } // namespace

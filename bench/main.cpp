@@ -117,19 +117,6 @@ void measureReturn(std::vector<std::string>& verdicts)
           work.goal);
 }
 
-/// One client alone, for a profiler.
-void repeat(const Work& work, std::size_t who, std::size_t rounds)
-{
-    const Material material(work);
-    const auto clients = allClients(work.operation);
-    const auto subject = contender(clients.at(who), work.operation, material);
-    for (std::size_t round = 0; round < rounds; ++round) {
-        subject.prepare();
-        subject.call();
-        subject.finish();
-    }
-}
-
 /// Bytes by which the peak goes beyond what the host holds already; in a process of its own.
 double peakOf(const Work& work, std::size_t who)
 {
@@ -184,7 +171,6 @@ struct Options
     bool quick = false;
     std::string only;
     std::vector<std::size_t> peak;
-    std::vector<std::size_t> repeat;
 };
 
 void run(const std::string& program, const Options& options)
@@ -192,10 +178,6 @@ void run(const std::string& program, const Options& options)
     log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getOff());
     if (!options.peak.empty()) {
         std::printf("%.0f\n", peakOf(memoryWorks[options.peak[0]].work, options.peak[1]));
-        return;
-    }
-    if (!options.repeat.empty()) {
-        repeat(works[options.repeat[0]], options.repeat[1], options.repeat[2]);
         return;
     }
     std::vector<std::string> verdicts;
@@ -228,8 +210,6 @@ int main(int argc, char** argv)
     app.add_option("--only", options.only, "only what begins so: note, list, upload, memory");
     app.add_option("--peak", options.peak, "number of a work and of a client: the peak in bytes")
         ->expected(2);
-    app.add_option("--repeat", options.repeat, "number of a work, of a client and of calls: for a profiler")
-        ->expected(3);
     CLI11_PARSE(app, argc, argv);
     try {
         run(argv[0], options);
