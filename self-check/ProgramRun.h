@@ -5,15 +5,15 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 struct ProgramRun
 {
-    /// Not 0 for a program that was ended because it took longer than allowed.
-    unsigned long exitCode;
+    bool isInTime; ///< else it was ended because it took longer than allowed
+    int exitCode;
     std::string output;
 };
 
-/// `argument` must hold nothing that a command line gives a meaning.
 /// @throws std::system_error if the program cannot be started
-ProgramRun runProgram(const std::filesystem::path& program, const std::wstring& argument,
+ProgramRun runProgram(const std::filesystem::path& program, const std::vector<std::wstring>& arguments,
                       std::chrono::seconds limit);

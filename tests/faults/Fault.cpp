@@ -167,8 +167,8 @@ Fault::Fault(const json& row)
       connection(optional(row, "connection", [](const auto& order) { return order; })),
       endPoint(optional(row, "endPoint", textOf)), credentials(textsOf(row, "credentials")),
       host(row.value("host", "")), calls(callsOf(row)), only(textsOf(row, "only")),
-      leaves(row.value("leaves", "")),
-      gives(statusOf(row.value(isWindows && row.contains("windows") ? "windows" : "gives", json()))),
+      leaves(row.value("leaves", "")), isOfWine(isWindows && row.contains("windows")),
+      gives(statusOf(row.value(isOfWine ? "windows" : "gives", json()))),
       text(optional(row, "text", textOf).value_or(L"")), ticketId(optional(row, "ticketId", textOf)),
       tickets(optional(row, "tickets", [](const auto& count) { return count.template get<std::size_t>(); })),
       flags(row.value("flags", std::vector<std::string>()))

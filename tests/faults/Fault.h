@@ -43,6 +43,7 @@ struct Fault
     std::map<std::wstring, std::function<void()>> calls; ///< operations with other records than usually
     std::vector<std::wstring> only;                      ///< the operations; empty: all
     std::string leaves;                                  ///< the exception; empty: none
+    bool isOfWine;                                       ///< Windows itself may give another status
     std::optional<int> gives;                            ///< the status; none: the operation's success
     std::wstring text;                                   ///< part of the outcome's text
     std::map<std::wstring, std::optional<int>> but;      ///< the status of some operations

@@ -1,5 +1,5 @@
 /// @file
-/// What the host itself does, by the names that the catalogue gives it.
+/// Faults of the host's own, by the names in the catalogue.
 #pragma once
 
 #include <functional>
@@ -7,13 +7,13 @@
 
 struct Surroundings
 {
-    std::function<void(std::function<void()>)> onEveryLine; ///< has it called for each line of the log
+    std::function<void(std::function<void()>)> onEveryLine; ///< sets what is called with each line of the log
     std::wstring endPoint;
 };
 
-/// Does it.
-/// @throws std::out_of_range for a name that is none
+/// Brings about the fault of this name.
+/// @throws std::out_of_range for an unknown name
 void beginHostFault(const std::string& name, const Surroundings& around);
 
-/// Undoes it, as far as it is no setting of the library's.
+/// Ends a shortage of the system's. What was set in the library stays: the caller sets it anew.
 void endHostFault(const std::string& name);
