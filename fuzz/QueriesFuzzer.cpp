@@ -5,9 +5,9 @@
 #include "Host.h"
 #include "StandInNetwork.h"
 
+#include "Addresses.h"
 #include "RestText.h"
 #include "Utf8.h"
-#include "Addresses.h"
 #include "sandbox/Target.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

@@ -81,8 +81,8 @@ http_response responseOf(std::string_view bytes)
 }
 } // namespace fuzz
 
-// Takes the place of the function of this name in the REST SDK: the linker takes from a library only what the program does
-// not define.
+// Takes the place of the function of this name in the REST SDK: the linker takes from a library only what the
+// program does not define.
 pplx::task<http_response> web::http::client::http_client::request(http_request request,
                                                                   const pplx::cancellation_token& /*token*/)
 {
