@@ -5,7 +5,6 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 struct ProgramRun
 {
@@ -14,6 +13,7 @@ struct ProgramRun
     std::string output;
 };
 
+/// `argument` must hold nothing that a command line gives a meaning.
 /// @throws std::system_error if the program cannot be started
-ProgramRun runProgram(const std::filesystem::path& program, const std::vector<std::wstring>& arguments,
+ProgramRun runProgram(const std::filesystem::path& program, const std::wstring& argument,
                       std::chrono::seconds limit);

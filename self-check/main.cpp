@@ -106,7 +106,7 @@ std::vector<std::string> parseList(const std::string& list)
 
 std::vector<std::string> listTests(const std::filesystem::path& program, const std::wstring& filter)
 {
-    const auto run = runProgram(program, {L"--gtest_list_tests", L"--gtest_filter=" + filter}, 60s);
+    const auto run = runProgram(program, L"--gtest_list_tests --gtest_filter=" + filter, 60s);
     auto names = parseList(run.output);
     if (!run.isInTime || run.exitCode != 0 || names.empty()) {
         throw std::runtime_error(program.u8string() + " lists no tests:\n" + run.output);
@@ -159,7 +159,7 @@ private:
     void runTest(const std::filesystem::path& program, const std::string& name, std::chrono::seconds limit)
     {
         const auto run =
-            runProgram(program, {L"--gtest_filter=" + std::wstring(name.begin(), name.end())}, limit);
+            runProgram(program, L"--gtest_filter=" + std::wstring(name.begin(), name.end()), limit);
         const auto result = resultOf(run);
         m_results.push_back(result);
         m_report.line(words.at(static_cast<std::size_t>(result)) + name);

@@ -1,10 +1,9 @@
 #include "Platform.h"
 
-#include <boost/process/async.hpp>
-#include <boost/process/extend.hpp>
-
 #include <windows.h>
 
+#include <boost/process/async.hpp>
+#include <boost/process/extend.hpp>
 #include <shellapi.h>
 
 #include <csignal>
