@@ -1,9 +1,10 @@
 #include "Platform.h"
 
+#include <boost/asio/windows/object_handle.hpp>
+#include <boost/process/extend.hpp>
+
 #include <windows.h>
 
-#include <boost/process/async.hpp>
-#include <boost/process/extend.hpp>
 #include <shellapi.h>
 
 #include <csignal>
