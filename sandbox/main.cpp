@@ -115,6 +115,7 @@ int serveCommand(boost::asio::io_context& context, boost::asio::signal_set& stop
         grace.async_wait([&](boost::system::error_code) { command.terminate(); });
     });
     context.run();
+    command.wait();
     return platform::exitCode(command);
 }
 

@@ -101,8 +101,14 @@ void addStopSignals(boost::asio::signal_set& signals)
 
 process::child start(boost::asio::io_context& context, const std::vector<std::string>& /*command*/)
 {
-    return process::child(
-        Leash(), context, process::on_exit = [&context](auto&&...) { context.stop(); });
+    process::child command((Leash()));
+    HANDLE own = nullptr;
+    require(DuplicateHandle(GetCurrentProcess(), command.native_handle(), GetCurrentProcess(), &own,
+                            SYNCHRONIZE, FALSE, 0) != 0,
+            "cannot await the command's end");
+    const auto ended = std::make_shared<boost::asio::windows::object_handle>(context, own);
+    ended->async_wait([ended, &context](boost::system::error_code) { context.stop(); });
+    return command;
 }
 
 void signal(const process::child& /*command*/, int /*number*/) {}
