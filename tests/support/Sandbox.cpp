@@ -65,6 +65,12 @@ Answer& Answer::to(const std::string& path)
     return *this;
 }
 
+Answer& Answer::skip(int requests)
+{
+    m_plan["skip"] = requests;
+    return *this;
+}
+
 Answer& Answer::header(const std::string& name, const std::string& value)
 {
     m_plan["headers"][name] = value;

@@ -39,6 +39,7 @@ public:
                     const std::string& contentType = "application/json");
 
     Answer& to(const std::string& path); ///< only for requests of this path
+    Answer& skip(int requests);          ///< so many that fit are answered by the sandbox first
     Answer& header(const std::string& name, const std::string& value);
     Answer& after(int milliseconds);
     Answer& held(); ///< until Sandbox::release()

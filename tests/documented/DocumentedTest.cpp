@@ -1,0 +1,103 @@
+// The documents' examples at work: whichever step fails, they tell, and no file goes to an earlier note.
+#include "documented/Places.h"
+#include "support/VantryTest.h"
+
+#include <map>
+
+std::vector<ResponseStatus> reportFire(const std::string& photo);
+
+namespace
+{
+/// The sizes of each note's files, by the notes' ids.
+using Files = std::map<int, std::vector<int>>;
+
+class Documents : public VantryTest
+{
+protected:
+    Documents()
+    {
+        Documented::endPoint = sandbox.http;
+        Documented::user = sandbox.user;
+        Documented::password = sandbox.password;
+    }
+
+    Files files() const
+    {
+        Files all;
+        const auto state = sandbox.state();
+        for (const auto& note : state.at("techNotes")) {
+            all[note.at("id").get<int>()];
+        }
+        for (const auto& file : state.at("attachments")) {
+            all[file.at("techNoteId").get<int>()].push_back(file.at("size").get<int>());
+        }
+        return all;
+    }
+
+    /// A fire of before, whose note could be taken for that of the next one.
+    void reportEarlierFire()
+    {
+        sandbox.reset();
+        EXPECT_TRUE(reportFire("earlier").empty());
+        EXPECT_EQ(files(), (Files{{2001, {7}}}));
+    }
+};
+
+/// What the stand-in server has after a second fire that is reported up to this step.
+struct Step
+{
+    std::string name;
+    Files files;
+};
+
+const std::vector<Step> steps{{"session", {{2001, {7}}}},
+                              {"ticket", {{2001, {7}}}},
+                              {"note", {{2001, {7}}}},
+                              {"file", {{2001, {7}}, {2002, {}}}},
+                              {"end", {{2001, {7}}, {2002, {5}}}}};
+
+std::string answer(const std::string& statusLine, const std::string& type, const std::string& body)
+{
+    return "HTTP/1.1 " + statusLine + "\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+/// By the code that the step itself does not have when it succeeds.
+std::vector<std::string> failures(const std::string& otherSuccess)
+{
+    return {answer("500 ", "application/json", "{}"), // no text to show
+            answer(otherSuccess, "application/json", R"({"id":9,"sessionKey":"key"})"),
+            answer("502 Bad Gateway", "text/html", "<h1>Bad gateway</h1>"), ""};
+}
+} // namespace
+
+TEST_F(Documents, ReportingTellsOfEachStepThatFails)
+{
+    for (std::size_t failing = 0; failing < steps.size(); ++failing) {
+        const bool isOfSession = failing == 0 || failing == steps.size() - 1;
+        for (const auto& failure : failures(isOfSession ? "201 Created" : "200 OK")) {
+            SCOPED_TRACE(steps[failing].name + ": " + failure);
+            reportEarlierFire();
+            sandbox.plan(Answer::bytes(failure).skip(static_cast<int>(failing)));
+            EXPECT_EQ(reportFire("photo").size(), 1U);
+            EXPECT_EQ(files(), steps[failing].files);
+        }
+    }
+}
+
+/// Nothing of the step is sent then, so that the library keeps the note of before.
+TEST_F(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
+{
+    useHttps();
+    Documented::endPoint = sandbox.https;
+    for (std::size_t failing = 0; failing < steps.size(); ++failing) {
+        SCOPED_TRACE(steps[failing].name);
+        SetValidateCertificateCallback({});
+        reportEarlierFire();
+        std::size_t asked = 0;
+        SetValidateCertificateCallback([&](const CERT_CONTEXT&) { return asked++ != failing; });
+        EXPECT_EQ(reportFire("photo").size(), 1U);
+        EXPECT_EQ(files(), steps[failing].files);
+    }
+    SetValidateCertificateCallback({});
+}
