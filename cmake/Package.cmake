@@ -32,11 +32,19 @@ install(DIRECTORY ${dependency_prefix}/include/log4cxx DESTINATION ${CMAKE_INSTA
 install(DIRECTORY ${log4cxx_DIR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake)
 install(TARGETS vantry-console-host)
 install(DIRECTORY examples/console-host examples/minimal-host DESTINATION examples)
-install(
-  FILES docs/for-hosts.md
-  DESTINATION .
-  RENAME README.md)
-install(FILES docs/faults.md DESTINATION .)
+
+# The package has the pages in one folder, and the hosts' page as its README.
+foreach(page docs/for-hosts.md docs/faults.md SECURITY.md CHANGELOG.md)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${page})
+  file(READ ${PROJECT_SOURCE_DIR}/${page} text)
+  string(REPLACE "](../" "](" text "${text}")
+  string(REPLACE "](docs/" "](" text "${text}")
+  string(REPLACE "](for-hosts.md" "](README.md" text "${text}")
+  get_filename_component(name ${page} NAME)
+  string(REPLACE for-hosts.md README.md name ${name})
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/pages/${name} CONTENT "${text}" @ONLY)
+endforeach()
+install(DIRECTORY ${PROJECT_BINARY_DIR}/pages/ DESTINATION .)
 install(DIRECTORY build/docs/ DESTINATION api) # written by scripts/docs
 set(package_components ${library_components} cli11)
 if(TARGET vantry-desktop-host AND TARGET vantry-sandbox)
