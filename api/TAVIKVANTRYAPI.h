@@ -4,12 +4,17 @@
 /// @code
 /// SetEndPoint(L"https://helpdesk.example.com/helpdesk/rest");
 /// SetCredentials(L"technician", L"secret");
-/// CreateSession();                              // GetLastResponse(): 200, "OK"
-/// CreateTicket({L"42", Client, L"Printer", L"It is on fire."});         // 201
-/// SaveTechNote({GetCreatedTicketID(), L"Put out.", 15, true});          // 201
-/// SaveAttachment({"Pages: 4711", L"counter.txt"});                      // 201
-/// CloseSession();                                                       // 200
+/// CreateTicket({L"42", Client, L"Printer", L"It is on fire."});
+/// if (GetLastResponse().httpStatusCode == 201) {
+///     SaveTechNote({GetCreatedTicketID(), L"Put out.", 15, true});
+/// }
+/// if (GetLastResponse().httpStatusCode != 201) {
+///     show(GetLastResponse()); // the ticket or its note has failed
+/// }
 /// @endcode
+///
+/// Every status has to be checked. An operation does not know that the one before it failed: an upload whose
+/// note was never sent goes to the note before that.
 ///
 /// Text. All text is wide text in the platform's own form (UTF-16 on Windows, UTF-32 on Linux), except
 /// `Attachment::data`, which is raw bytes. Text that is malformed (a lone surrogate, a value that is no code
@@ -28,7 +33,8 @@
 /// memory runs out for the copies of a call with a window or for a list's tickets, `std::bad_alloc` leaves.
 ///
 /// Bounds. Redirections are not followed. Each wait for the server may take 30 s, the body of an answer 10
-/// minutes and 256 MiB; beyond that the status is 600. An operation cannot be cancelled.
+/// minutes and 256 MiB; beyond that the status is 600, and so it is when no body has moved for some 3
+/// minutes. An operation cannot be cancelled.
 ///
 /// Lifetime. Loading the library creates the client; unloading destroys it. References returned by the
 /// getters are valid while the library is loaded; what they refer to is replaced by the next operation that
@@ -53,9 +59,9 @@ constexpr unsigned int WM_ASYNC_REQUEST_FINISHED = 0x8100;
 /// Outcome of one operation.
 struct ResponseStatus
 {
-    /// The server's HTTP code; 600: the request failed inside the library; 601: the server's certificate was
-    /// not accepted; 417: the server named a reason against an upload in an answer of 200; -1: no outcome
-    /// yet.
+    /// The server's HTTP code; 600: the request failed, or a text came that is no JSON; 601: the server's
+    /// certificate was not accepted; 417: the server named a reason against an upload in an answer of 200;
+    /// -1: a record that nothing has been written to.
     std::int32_t httpStatusCode = -1;
     /// Text for the host to show: the server's reason phrase or reason, or the library's; may be empty.
     std::wstring errorMessage = L"Internal Error: Object wasn't initialized.";
@@ -124,7 +130,7 @@ extern "C" {
 VANTRY_API void SetEndPoint(const std::wstring& endPoint);
 
 /// Sets the user name and password of the following operations. They go into the addresses of requests,
-/// encoded. The password is never logged.
+/// encoded. The log masks the password, and the one set before it, where they stand as they are sent.
 /// @param userName copied; a line break or zero in it makes uploads fail (status 600)
 /// @param password copied
 /// @throws std::bad_alloc
@@ -133,7 +139,8 @@ VANTRY_API void SetCredentials(const std::wstring& userName, const std::wstring&
 /// Sets the callback that is asked, in every operation on an https endpoint, whether to trust the server.
 /// The library keeps a copy until the next call or its unloading. An empty one trusts every server whose
 /// certificate passes the system's own validation. A certificate that does not pass it is never shown: the
-/// operation ends with status 600.
+/// operation ends with status 600. The request is sent only to a server that shows the very certificate that
+/// the callback accepted; another one is 601.
 /// @code
 /// SetValidateCertificateCallback([](const CERT_CONTEXT& certificate) {
 ///     return certificate.cbCertEncoded == known.size() &&
@@ -153,7 +160,8 @@ VANTRY_API void SetValidateCertificateCallback(ValidateCertificateCallback callb
 /// @param window stays the host's and must outlive the operations; one that has gone is not told
 VANTRY_API void SetHWND(HWND window);
 
-/// Outcome of the last operation: 0 and an empty text before the first one.
+/// Outcome of the last operation. As long as there has been none it is 0 and an empty text. While one runs it
+/// is no outcome: it may be the last one's, the status of the certificate's probe, 200 or -1.
 /// @return valid while the library is loaded; the next operation writes a new outcome into it
 VANTRY_API const ResponseStatus& GetLastResponse();
 
@@ -210,8 +218,7 @@ VANTRY_API void CloseSession();
 /// @throws std::system_error if the operation's thread cannot be started
 VANTRY_API void RequestTicketList(const std::wstring& entityId, VantryType type);
 
-/// Creates a ticket (success: 201; id: `GetCreatedTicketID`). Until its outcome is written, `GetLastResponse`
-/// gives -1.
+/// Creates a ticket (success: 201; id: `GetCreatedTicketID`).
 /// @code
 /// CreateTicket({L"42", Client, L"Printer", L"It is on fire."});
 /// if (GetLastResponse().httpStatusCode == 201) {
