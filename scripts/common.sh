@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# A source that the Windows target is built from cannot be had: the code with which scripts/setup-windows says so.
+# A source that the Windows target is built from is unavailable: the code with which scripts/setup-windows says so.
 # shellcheck disable=SC2034 # for the scripts that source this file
 readonly unavailable=69
 
