@@ -65,11 +65,12 @@ TEST_F(DocumentedWindow, ShowsHowTheOperationEnded)
 
 TEST_F(DocumentedWindow, StaysUntilTheOperationHasEnded)
 {
-    sandbox.plan(Answer(200).after(500));
+    sandbox.plan(Answer(200).held());
     start(window);
     PostMessageW(window, WM_CLOSE, 0, 0);
     EXPECT_TRUE(work([] { return isClosing; }));
     EXPECT_TRUE(IsWindow(window));
+    sandbox.release();
     EXPECT_TRUE(work([this] { return !IsWindow(window); }));
     EXPECT_EQ(GetLastResponse().httpStatusCode, 200);
 }
