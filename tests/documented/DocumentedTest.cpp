@@ -4,7 +4,7 @@
 
 #include <map>
 
-std::vector<ResponseStatus> reportFire(const std::string& photo);
+std::vector<ResponseStatus> reportFire(const Attachment& photo);
 
 namespace
 {
@@ -38,23 +38,23 @@ protected:
     void reportEarlierFire()
     {
         sandbox.reset();
-        EXPECT_TRUE(reportFire("earlier").empty());
+        EXPECT_TRUE(reportFire({"earlier", L"photo.jpg"}).empty());
         EXPECT_EQ(files(), (Files{{2001, {7}}}));
     }
 };
 
 /// What the stand-in server has after a second fire that is reported up to this step.
-struct Step
+struct Stage
 {
     std::string name;
     Files files;
 };
 
-const std::vector<Step> steps{{"session", {{2001, {7}}}},
-                              {"ticket", {{2001, {7}}}},
-                              {"note", {{2001, {7}}}},
-                              {"file", {{2001, {7}}, {2002, {}}}},
-                              {"end", {{2001, {7}}, {2002, {5}}}}};
+const std::vector<Stage> steps{{"session", {{2001, {7}}}},
+                               {"ticket", {{2001, {7}}}},
+                               {"note", {{2001, {7}}}},
+                               {"file", {{2001, {7}}, {2002, {}}}},
+                               {"end", {{2001, {7}}, {2002, {5}}}}};
 
 std::string answer(const std::string& statusLine, const std::string& type, const std::string& body)
 {
@@ -79,7 +79,7 @@ TEST_F(Documents, ReportingTellsOfEachStepThatFails)
             SCOPED_TRACE(steps[failing].name + ": " + failure);
             reportEarlierFire();
             sandbox.plan(Answer::bytes(failure).skip(static_cast<int>(failing)));
-            EXPECT_EQ(reportFire("photo").size(), 1U);
+            EXPECT_EQ(reportFire({"photo", L"photo.jpg"}).size(), 1U);
             EXPECT_EQ(files(), steps[failing].files);
         }
     }
@@ -96,7 +96,7 @@ TEST_F(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
         reportEarlierFire();
         std::size_t asked = 0;
         SetValidateCertificateCallback([&](const CERT_CONTEXT&) { return asked++ != failing; });
-        EXPECT_EQ(reportFire("photo").size(), 1U);
+        EXPECT_EQ(reportFire({"photo", L"photo.jpg"}).size(), 1U);
         EXPECT_EQ(files(), steps[failing].files);
     }
     SetValidateCertificateCallback({});
