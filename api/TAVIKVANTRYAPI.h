@@ -30,7 +30,8 @@
 /// Errors. Operations report through `GetLastResponse`. An exception leaves an operation only where its
 /// documentation says so, or if the certificate callback throws something that is no `std::exception`. With a
 /// window set, an exception of the operation itself leaves its worker thread and ends the process. Where
-/// memory runs out for the copies of a call with a window or for a list's tickets, `std::bad_alloc` leaves.
+/// memory runs out for the copies of a call with a window, `std::bad_alloc` leaves; otherwise it is status
+/// 600.
 ///
 /// Bounds. Redirections are not followed. Each wait for the server may take 30 s, the body of an answer 10
 /// minutes and 256 MiB; beyond that the status is 600, and so it is when no body has moved for some 3
