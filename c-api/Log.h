@@ -1,0 +1,30 @@
+/// @file
+/// The loggers of the library, and where their lines go. They are a hierarchy of their own: nothing but these
+/// functions configures it, and nobody else's lines come here.
+#pragma once
+
+#include "vantry.h"
+
+#include <log4cxx/logger.h>
+
+#include <cstdint>
+#include <string>
+
+namespace CInterface::Log
+{
+log4cxx::LoggerPtr logger(const std::wstring& name);
+
+// The following are for the thread whose turn it is.
+
+/// Where the lines of `level` and above go to; null: nowhere.
+/// @throws Refusal if there is no such level
+void setCallback(vantry_log_callback callback, void* user, std::int32_t level);
+bool hasCallback();
+
+/// The file that the lines of `level` and above are appended to, in UTF-8; null: nowhere.
+/// @throws Refusal if there is no such level, or if the file cannot be opened; all stays as it was then
+void setFile(const char* path, std::int32_t level);
+
+/// Hands the callback the lines that other threads have written.
+void deliver();
+} // namespace CInterface::Log
