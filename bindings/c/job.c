@@ -10,7 +10,7 @@ static void VANTRY_CALL show(void* user, const char* host, const uint8_t* der, s
 {
     const char* answer = getenv("VANTRY_TRUST");
     (void)user;
-    printf("Certificate of %s: %u bytes, the last one %02x\n", host, (unsigned)size, der[size - 1]);
+    printf("Certificate of %s: %u bytes, the last one %d\n", host, (unsigned)size, der[size - 1]);
     *trust = answer != NULL && strcmp(answer, "yes") == 0;
 }
 

@@ -7,8 +7,8 @@
 // A program with a window shows the certificate here and asks.
 bool isTrusted(const std::string& host, const std::vector<std::uint8_t>& der)
 {
-    std::cout << "Certificate of " << host << ": " << der.size() << " bytes, the last one " << std::hex
-              << +der.back() << std::dec << std::endl;
+    std::cout << "Certificate of " << host << ": " << der.size() << " bytes, the last one " << +der.back()
+              << std::endl;
     const char* const answer = std::getenv("VANTRY_TRUST");
     if (answer == nullptr) {
         throw std::logic_error("Nobody has decided about the certificate.");

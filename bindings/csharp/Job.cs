@@ -1,5 +1,6 @@
 // A whole help-desk job: Job ENDPOINT USER CLIENT, with VANTRY_PASSWORD set and VANTRY_TRUST=yes or no.
 using System;
+using System.IO;
 using System.Text;
 using System.Threading.Tasks;
 using Vantry;
@@ -9,7 +10,7 @@ internal static class Job
     // A program with a window shows the certificate here and asks.
     private static bool IsTrusted(string host, byte[] der)
     {
-        Console.WriteLine($"Certificate of {host}: {der.Length} bytes, the last one {der[der.Length - 1]:x2}");
+        Console.WriteLine($"Certificate of {host}: {der.Length} bytes, the last one {der[der.Length - 1]}");
         string answer = Environment.GetEnvironmentVariable("VANTRY_TRUST");
         return (answer ?? throw new InvalidOperationException("Nobody has decided about the certificate.")) == "yes";
     }
@@ -37,7 +38,7 @@ internal static class Job
 
     private static int Main(string[] args)
     {
-        Console.OutputEncoding = new UTF8Encoding(false);
+        Console.SetOut(new StreamWriter(Console.OpenStandardOutput()) { AutoFlush = true }); // in UTF-8
         string password = Environment.GetEnvironmentVariable("VANTRY_PASSWORD");
         if (args.Length != 3 || password == null)
         {

@@ -4,7 +4,7 @@ const vantry = require('./vantry');
 
 // A program with a window shows the certificate here and asks.
 function isTrusted(host, der) {
-    console.log(`Certificate of ${host}: ${der.length} bytes, the last one ${der.toString('hex').slice(-2)}`);
+    console.log(`Certificate of ${host}: ${der.length} bytes, the last one ${der[der.length - 1]}`);
     if (process.env.VANTRY_TRUST === undefined) {
         throw new Error('Nobody has decided about the certificate.');
     }

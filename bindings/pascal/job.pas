@@ -14,10 +14,16 @@ type
     procedure Run;
   end;
 
+procedure Say(const Line: string);
+begin
+  SetTextCodePage(Output, 65001); { of this thread }
+  WriteLn(Line);
+end;
+
 { A program with a window shows the certificate here and asks. }
 function TJob.IsTrusted(const Host: string; const Der: TBytes): Boolean;
 begin
-  WriteLn(Format('Certificate of %s: %d bytes, the last one %.2x', [Host, Length(Der), Der[High(Der)]]));
+  Say(Format('Certificate of %s: %d bytes, the last one %d', [Host, Length(Der), Der[High(Der)]]));
   if GetEnvironmentVariable('VANTRY_TRUST') = '' then
     raise Exception.Create('Nobody has decided about the certificate.');
   Result := GetEnvironmentVariable('VANTRY_TRUST') = 'yes';
@@ -33,9 +39,9 @@ begin
     Ticket := Client.CreateTicket(ParamStr(3), vetClient, 'Größter Drucker € 🖨', 'It does not print.');
     Note := Client.SaveTechNote(Ticket, 'Refilled.', 15, True);
     Client.SaveAttachment(Note, 'counter.txt', BytesOf('Pages: 4711'));
-    WriteLn('Created ticket ', Ticket, ' with note ', Note);
+    Say('Created ticket ' + Ticket + ' with note ' + Note);
     for Entry in Client.RequestTicketList(ParamStr(3), vetClient) do
-      WriteLn(Entry.Id, ' ', Entry.Name);
+      Say(Entry.Id + ' ' + Entry.Name);
   finally
     Client.CloseSession;
   end;
@@ -45,7 +51,6 @@ var
   Work: TJob;
   Thread: TVantryThread;
 begin
-  SetTextCodePage(Output, 65001);
   ExitCode := 1;
   Work := TJob.Create;
   try
@@ -59,8 +64,8 @@ begin
       Thread.Free;
     end;
   except
-    on E: EVantryError do WriteLn('Failed: ', E.Status, ' ', E.Message);
-    on E: Exception do WriteLn('Ended by: ', E.Message);
+    on E: EVantryError do Say(Format('Failed: %d %s', [E.Status, E.Message]));
+    on E: Exception do Say('Ended by: ' + E.Message);
   end;
   Work.Client.Free;
   Work.Free;

@@ -7,8 +7,10 @@ import vantry
 
 def is_trusted(host, der):
     """A program with a window shows the certificate here and asks."""
-    print(f"Certificate of {host}: {len(der)} bytes, the last one {der[-1]:02x}")
-    return {"yes": True, "no": False}[os.environ["VANTRY_TRUST"]]
+    print(f"Certificate of {host}: {len(der)} bytes, the last one {der[-1]}")
+    if "VANTRY_TRUST" not in os.environ:
+        raise RuntimeError("Nobody has decided about the certificate.")
+    return os.environ["VANTRY_TRUST"] == "yes"
 
 
 def do_job(client, person):
@@ -31,6 +33,8 @@ def main():
             do_job(client, person)
     except vantry.Error as error:
         sys.exit(f"Failed: {error}")
+    except RuntimeError as error:
+        sys.exit(f"Ended by: {error}")
 
 
 main()
