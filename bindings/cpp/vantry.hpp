@@ -97,7 +97,9 @@ public:
     }
 
     Client(const Client&) = delete;
+    Client(Client&&) = delete;
     Client& operator=(const Client&) = delete;
+    Client& operator=(Client&&) = delete;
 
     /// Without a callback every server is trusted whose certificate passes the system's own validation.
     void onCertificate(CertificateCallback callback)
@@ -298,7 +300,9 @@ public:
     }
 
     Session(const Session&) = delete;
+    Session(Session&&) = delete;
     Session& operator=(const Session&) = delete;
+    Session& operator=(Session&&) = delete;
 
     void close()
     {

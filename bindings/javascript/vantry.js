@@ -141,10 +141,10 @@ function guard(body) {
     }
 }
 
-/** What the library reads ends at a zero. */
+/** What would reach the library as another text, for a zero in it or half a surrogate pair, is refused. */
 function text(value) {
-    if (typeof value !== 'string' || value.includes('\0')) {
-        throw new TypeError('A text has to be a string without a zero in it.');
+    if (typeof value !== 'string' || value.includes('\0') || Buffer.from(value).toString() !== value) {
+        throw new TypeError('This is no text that can be sent.');
     }
     return value;
 }

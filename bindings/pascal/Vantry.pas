@@ -205,11 +205,12 @@ begin
     raise EVantryError.Create(vantry_result_status(Outcome), UTF8ToString(vantry_result_message(Outcome)));
 end;
 
+{ What would reach the library as another text, for a zero in it or half a surrogate pair, is refused. }
 function Utf8(const Text: string): RawByteString;
 begin
-  if Pos(#0, Text) > 0 then
-    Check(InvalidArgument); { the library would see its beginning alone }
   Result := UTF8Encode(Text);
+  if (Pos(#0, Text) > 0) or (UTF8ToString(Result) <> Text) then
+    Check(InvalidArgument);
 end;
 
 procedure AskAboutCertificate(User: Pointer; Host: PAnsiChar; Der: PByte; Size: NativeUInt; var Trust: Integer); cdecl;
