@@ -5,7 +5,7 @@ program Job;
 {$APPTYPE CONSOLE}
 
 uses
-  {$IFDEF UNIX}cthreads, {$ENDIF} SysUtils, Vantry;
+  {$IFDEF UNIX}cthreads, cwstring, {$ENDIF} SysUtils, Vantry;
 
 type
   TJob = class

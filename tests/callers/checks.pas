@@ -5,7 +5,7 @@ program Checks;
 {$APPTYPE CONSOLE}
 
 uses
-  {$IFDEF UNIX}cthreads, {$ENDIF} SysUtils, Math, Vantry;
+  {$IFDEF UNIX}cthreads, cwstring, {$ENDIF} SysUtils, Math, Vantry;
 
 type
   TChecks = class
