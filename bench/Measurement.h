@@ -1,5 +1,5 @@
 /// @file
-/// Calls measured in turn, and what they say.
+/// Measures calls in turn, and evaluates the times.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// The other end of the measurements: answers at once with what it has ready, so that the client is what
-// counts. usage: vantry-bench-server COMMAND ARGUMENT...
+// The server of the measurements: answers at once, from memory, so that the time is the client's. usage:
+// vantry-bench-server COMMAND ARGUMENT...
 #include "Certificates.h"
 #include "Platform.h"
 

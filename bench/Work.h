@@ -33,7 +33,7 @@ struct Work
 
 std::string sizeOf(const Work& work);
 
-/// What a host has in its hands.
+/// The records that a host passes to an operation.
 struct Material
 {
     explicit Material(const Work& work);

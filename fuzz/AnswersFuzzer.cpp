@@ -1,6 +1,6 @@
 // A server's bytes as answer to any of the six operations. Whatever they are, the outcome is the same at
-// every log level, what the server left with the client makes no header of its own, and the next good call
-// works.
+// every log level, nothing that the client has kept of it adds a header to a later request, and the next good
+// call works.
 //
 // Input: a character that chooses operation and level, then the answer.
 #include "Host.h"

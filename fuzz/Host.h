@@ -11,7 +11,7 @@
 
 namespace fuzz
 {
-/// Ends the process, which is how a fuzzer learns of a find.
+/// Ends the process unless it holds: the fuzzer takes that for a find.
 void require(bool holds, std::string_view what);
 
 /// Sets the level of the library's loggers and forgets what they wrote.

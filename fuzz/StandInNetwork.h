@@ -13,7 +13,7 @@ namespace fuzz
 {
 using Server = std::function<web::http::http_response(web::http::http_request)>;
 
-/// Who answers from now on.
+/// Sets who answers.
 void setServer(Server server);
 
 /// Path and query of a request as a server sees them.

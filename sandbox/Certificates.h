@@ -35,14 +35,14 @@ struct ServerCertificate
 class CertificateAuthority
 {
 public:
-    /// @param crlUrl where its certificates say that the list is
+    /// @param crlUrl the list's address, for its certificates to name
     explicit CertificateAuthority(std::string crlUrl);
 
     std::string pem() const;
     std::string der() const;
     std::string revocationListDer() const;
 
-    /// A server's certificate for "localhost", issued when it is wanted first.
+    /// A server's certificate for "localhost", issued when it is first asked for.
     const ServerCertificate& certificate(CertificateKind kind);
 
 private:

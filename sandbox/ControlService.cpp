@@ -38,7 +38,7 @@ Route file(const std::string& path, const std::string& contentType, std::string 
             }};
 }
 
-/// A route whose request has something done and no more to be answered.
+/// A route that does something and answers 204.
 template <typename Do>
 Route order(http::verb method, const std::string& path, Do perform)
 {

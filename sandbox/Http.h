@@ -63,9 +63,9 @@ private:
 struct Step
 {
     std::string bytes;
-    std::chrono::milliseconds wait{0}; ///< before each time
-    std::uint64_t times = 1;           ///< 0: without end, until the client goes
-    std::shared_ptr<Gate> gate = {};   ///< to be open before; null: none
+    std::chrono::milliseconds wait{0};                          ///< before each time
+    std::uint64_t times = 1;                                    ///< 0: without end, until the client goes
+    std::shared_ptr<Gate> gate = {};                            ///< to be open before; null: none
     std::optional<CertificateKind> renegotiated = std::nullopt; ///< by TLS 1.2, after the bytes
 };
 

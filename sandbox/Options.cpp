@@ -105,7 +105,7 @@ std::variant<Options, int> readOptions(const std::vector<std::string>& arguments
     app.add_option("--user", options.user, "Name of the one user")->capture_default_str();
     app.add_option("--password", options.password, "The user's password")->capture_default_str();
 
-    // The command line parser would give brackets and commas in the command's arguments a meaning.
+    // The command's own arguments do not go through the parser, which gives brackets and commas a meaning.
     const auto separator = std::find(arguments.begin(), arguments.end(), "--");
     std::vector<std::string> own(arguments.begin(), separator);
     std::reverse(own.begin(), own.end()); // the order in which the parser takes a vector

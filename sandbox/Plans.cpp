@@ -53,7 +53,7 @@ public:
         return std::chrono::milliseconds(number(name, 0, longestWaitMs, 0));
     }
 
-    /// What the member's text stands for.
+    /// The value that the member's text names.
     template <typename Value>
     Value oneOf(const char* name, const std::map<std::string, Value>& values) const
     {
@@ -90,8 +90,10 @@ std::vector<Step> readSteps(const Json& steps)
     std::vector<Step> list;
     for (const Json& step : steps.get_ref<const Json::array_t&>()) {
         const Members members(step, {"raw", "waitMs", "times", "renegotiate"});
-        list.push_back({toBytes(members.get<std::string>("raw").value_or("")), members.wait("waitMs"),
-                        members.number("times", 0, anyNumber, 1), {},
+        list.push_back({toBytes(members.get<std::string>("raw").value_or("")),
+                        members.wait("waitMs"),
+                        members.number("times", 0, anyNumber, 1),
+                        {},
                         members.optionalOf("renegotiate", certificateKinds)});
     }
     return list;
@@ -102,7 +104,7 @@ const std::map<std::string, Afterwards> ends{{"close", Afterwards::Close},
                                              {"reset", Afterwards::Reset},
                                              {"stay", Afterwards::Stay}};
 
-/// What "steps" and "then" make.
+/// The reply that "steps" and "then" describe.
 std::optional<Reply> readScript(const Members& members, const Json& order)
 {
     if (!members.has("steps") && !members.has("then")) {

@@ -44,7 +44,7 @@ struct PlannedConnection
     std::optional<int> tlsVersion; ///< the only one that is spoken, as OpenSSL numbers it
 };
 
-/// @param gate of answers that are to be held
+/// @param gate holds the answer if the order says that it is held
 /// @throws HttpError 400 or Json::exception for an order that is malformed
 PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate);
 PlannedConnection readPlannedConnection(const Json& order);

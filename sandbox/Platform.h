@@ -11,7 +11,7 @@
 
 namespace sandbox::platform
 {
-/// Those of this process, without its name.
+/// The arguments of this process, without its name.
 std::vector<std::string> arguments(int argc, char** argv);
 
 /// Adds what asks a program to end: signals, or the console that is closed.

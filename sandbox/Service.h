@@ -24,12 +24,12 @@ struct Route
 class Service
 {
 public:
-    /// @param state where requests are recorded and plans are; null: nothing is
+    /// @param state records requests and holds plans; null: the port has neither
     explicit Service(std::vector<Route> routes, SharedState* state = nullptr);
 
     /// The fate that is planned for the connection that has just come, if any.
     std::optional<PlannedConnection> accepted(bool secure);
-    /// Comes before the reply; for bytes that are no HTTP request nothing else comes.
+    /// To be called before `reply`, and alone for bytes that are no HTTP request.
     void received(const std::shared_ptr<const ReceivedRequest>& request);
     /// 404 for a path without a route, 405 for a method that its routes do not have.
     Reply reply(const Request& request);

@@ -20,7 +20,7 @@ struct ReceivedRequest
     Request request = {}; ///< empty for what is no HTTP request
 };
 
-/// An uploaded file's bytes, which stand in its request.
+/// An uploaded file: a part of the request that brought it.
 struct Attachment
 {
     std::shared_ptr<const ReceivedRequest> request;

@@ -65,7 +65,7 @@ struct Server
 {
     Server(boost::asio::io_context& context, const Options& options)
         : control(context), http(context), https(context),
-          // Never the same list twice: a client may keep one by its address, and ports come round again.
+          // Another address in each run: a client may cache the list, and the system gives ports out again.
           authority(control.address("http") + "/crl.der?" + std::to_string(std::random_device()())),
           caFile(authority.pem()), restService(restRoutes(state, options.user, options.password), &state),
           controlService(controlRoutes(state, authority))

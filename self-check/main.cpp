@@ -48,7 +48,7 @@ enum class Result
 
 constexpr std::array words{"passed   ", "FAILED   ", "differs  ", "not run  "};
 
-/// To the console and to the report.
+/// Writes to the console and to the report.
 class Report
 {
 public:
@@ -65,7 +65,7 @@ public:
         m_file << text << "\r\n" << std::flush;
     }
 
-    /// What a program wrote, for the report alone.
+    /// Writes what a program has written, to the report alone.
     void quote(const std::string& output)
     {
         std::istringstream lines(output);

@@ -10,15 +10,15 @@
 #include <string>
 #include <vector>
 
-/// Answers of a server as steps. In their bytes stands {status} for the code and reason phrase of success,
-/// {elsewhere} for an address of the sandbox's other port.
+/// An answer in steps. In its bytes {status} stands for the code and reason phrase of success, {elsewhere}
+/// for an address of the sandbox's other port.
 struct Script
 {
     std::vector<Step> steps;
     std::string then;
 };
 
-/// One row of the file, whose members mean what those of the same name here mean.
+/// One row of the file. Its members have the names of these.
 struct Fault
 {
     explicit Fault(const nlohmann::json& row);
@@ -52,5 +52,5 @@ struct Fault
     std::vector<std::string> flags;
 };
 
-/// Those that this platform has.
+/// The faults that can be tested on this platform.
 const std::vector<Fault>& catalogue();

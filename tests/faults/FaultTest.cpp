@@ -30,7 +30,7 @@ bool waits(const Fault& fault)
 
 std::chrono::seconds limitOf(const Fault& fault)
 {
-    // Less than the 30 s that the HTTP stack waits for, except where it does.
+    // Where the HTTP stack does not wait, less than the 30 s that it waits for.
     return fault.is("costly") ? 150s : waits(fault) ? 60s : 25s;
 }
 
@@ -92,7 +92,7 @@ std::vector<Cell> cellsOf(const Fault& fault)
     return cells;
 }
 
-/// The endpoint with a port that is its own modulo 65,536.
+/// The endpoint with 65,536 added to its port.
 std::wstring withPortBeyond(std::wstring endPoint)
 {
     const auto port = endPoint.rfind(L':') + 1;
@@ -118,7 +118,7 @@ bool succeeds(const Cell& cell)
     return statusOf(cell) == cell.operation->success;
 }
 
-/// The answer's path, as the sandbox knows the operation by.
+/// The path of the operation's request.
 std::string pathOf(const Operation& operation)
 {
     const auto path = narrow(operation.path);

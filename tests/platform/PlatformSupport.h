@@ -1,5 +1,5 @@
 /// @file
-/// What the suite needs of the platform besides a window.
+/// What the tests need of the platform, besides a window.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 /// Makes this process trust the sandbox's certificate authority. Call it before the first TLS connection.
 void trustAuthority(const std::string& pemFile, const std::string& der);
 
-/// Whether the authority is trusted during all of the tests, so that those of other cases cannot be run.
+/// Whether the authority is trusted throughout: tests that need it untrusted cannot run then.
 bool authorityStaysTrusted();
 
 constexpr bool isWindows = VANTRY_WINDOWS;

@@ -1,5 +1,5 @@
 /// @file
-/// What this process can be made to run out of, by the names that the catalogue of faults gives it.
+/// Shortages of resources that a test can bring about, by the names in the catalogue of faults.
 #pragma once
 
 #include <map>

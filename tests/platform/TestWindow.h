@@ -26,7 +26,7 @@ public:
 
     HWND handle() const;
 
-    /// From now on the window is gone: nothing that is posted to it arrives.
+    /// Closes the window: nothing that is posted to it arrives any more.
     void die();
 
     /// From now on whoever posts is slow to go on. On Windows the system decides that.

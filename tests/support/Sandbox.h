@@ -79,14 +79,14 @@ public:
     void forgetRequests() const { control("DELETE", "/requests"); }
 
     void plan(const Answer& answer) const { control("POST", "/answers", answer.plan().dump()); }
-    /// Has the answers go that are held, also where the request has yet to come.
+    /// Sends the answers that are held; what was planned as held before is not held when its request comes.
     void release() const { control("POST", "/release"); }
     /// The fate of a connection to come, in the control interface's words.
     void planConnection(const nlohmann::json& fate) const { control("POST", "/connections", fate.dump()); }
     /// Forgets what was planned and has not come.
     void forgetPlans() const { control("DELETE", "/plans"); }
 
-    /// Has it forget everything that it holds, recorded and was told.
+    /// Has it forget all records, requests and plans.
     void reset() const { control("POST", "/reset"); }
 
     nlohmann::json state() const { return nlohmann::json::parse(get("/state")); }

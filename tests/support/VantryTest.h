@@ -16,7 +16,7 @@
 
 #include <string>
 
-/// Everything of the test's own process is fresh: the library, the sandbox, its certificates.
+/// Each test has a process of its own: library, sandbox and certificates are new.
 class VantryTest : public testing::Test
 {
 protected:
