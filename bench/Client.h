@@ -32,7 +32,8 @@ public:
     virtual void listTickets(std::size_t count) = 0;
     virtual void upload(const Attachment& file) = 0;
 
-    /// What a host has ready before it uploads; not part of what is measured.
+    // What a host has ready before; not part of what is measured.
+    virtual void prepareNote(const TechNote& /*note*/) {}
     virtual void prepareUpload(const Attachment& file) = 0;
 };
 
@@ -61,6 +62,7 @@ struct Server
 using Exchange = std::function<Response(const Server& server, const Request& request, bool validate)>;
 
 std::unique_ptr<Client> libraryClient();
+std::unique_ptr<Client> cInterfaceClient();
 std::unique_ptr<Client> sdkClient();
 /// Over an HTTP library that knows no JSON: the REST SDK's reads it.
 std::unique_ptr<Client> plainClient(Exchange exchange);

@@ -43,6 +43,9 @@ std::vector<NamedClient> allClients(Operation operation)
     std::vector<NamedClient> all;
     all.push_back({"library", libraryClient()});
     all.push_back({"REST SDK", sdkClient()});
+    if (operation != Operation::AsynchronousUpload) {
+        all.push_back({"C interface", cInterfaceClient()});
+    }
     for (auto& [name, exchange] : peers()) {
         all.push_back({name, plainClient(exchange)});
     }
@@ -71,7 +74,8 @@ Contender contender(const NamedClient& named, Operation operation, const Materia
                 }};
     }
     default:
-        return {named.name, [] {}, [=, &material] { client->saveNote(material.note); }, [] {}};
+        return {named.name, [=, &material] { client->prepareNote(material.note); },
+                [=, &material] { client->saveNote(material.note); }, [] {}};
     }
 }
 } // namespace Bench

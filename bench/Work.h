@@ -29,6 +29,8 @@ struct Work
     int rounds;
     double goal; ///< a part of what the bare SDK needs; 0: none
     bool quick;  ///< also where only a first impression is wanted
+    /// A part of what the C++ functions need; 0: none.
+    double goalOfTheCInterface = 0;
 };
 
 std::string sizeOf(const Work& work);
@@ -49,7 +51,8 @@ struct NamedClient
     std::unique_ptr<Client> client;
 };
 
-/// The library, the bare SDK, and the peers of the target, ready to work.
+/// The library, the bare SDK, the library through its C interface, and the peers of the target, ready to
+/// work. A window does not wait for the C interface.
 std::vector<NamedClient> allClients(Operation operation);
 
 /// `named` and `material` must outlive it.
