@@ -5,7 +5,7 @@ include(GNUInstallDirs)
 
 set(package_config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TAVIKVANTRYAPI)
 install(
-  TARGETS TAVIKVANTRYAPI
+  TARGETS TAVIKVANTRYAPI vantry
   EXPORT TAVIKVANTRYAPITargets
   RUNTIME COMPONENT runtime
   LIBRARY COMPONENT runtime
@@ -24,8 +24,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/TAVIKVANTRYAPIConfigVersion.cmake
         DESTINATION ${package_config_dir} COMPONENT development)
 
-install(FILES api/TAVIKVANTRYAPI.h ${VANTRY_HOST_TYPES_DIR}/VantryHostTypes.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        COMPONENT development)
+install(FILES api/TAVIKVANTRYAPI.h ${VANTRY_HOST_TYPES_DIR}/VantryHostTypes.h c-api/vantry.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 if(PROJECT_IS_TOP_LEVEL AND MINGW AND TARGET vantry-console-host)
   include(${CMAKE_CURRENT_LIST_DIR}/Package.cmake)

@@ -24,8 +24,9 @@ set(sandbox_components boost cli11 gcc mingw-w64 nlohmann-json openssl)
 
 # --- For host developers: the library, log4cxx, which is shared with the host, and examples.
 
-install(FILES $<TARGET_FILE:TAVIKVANTRYAPI>.debug DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES ${PROJECT_BINARY_DIR}/api/TAVIKVANTRYAPI.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES $<TARGET_FILE:TAVIKVANTRYAPI>.debug $<TARGET_FILE:vantry>.debug DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${PROJECT_BINARY_DIR}/api/TAVIKVANTRYAPI.def ${PROJECT_BINARY_DIR}/c-api/vantry.def
+              ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/vantry.lib DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(PROGRAMS ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${dependency_prefix}/lib/liblog4cxx.dll.a DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${dependency_prefix}/include/log4cxx DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -62,8 +63,8 @@ vantry_install_notices(COMPONENTS ${package_components})
 set(self_check_options COMPONENT self-check EXCLUDE_FROM_ALL)
 if(TARGET vantry-self-check AND TARGET vantry-tests AND TARGET vantry-sandbox)
   set(self_check_programs vantry-self-check vantry-tests vantry-whitebox-tests vantry-fault-tests
-                          vantry-unload-tests vantry-sandbox)
-  install(TARGETS TAVIKVANTRYAPI ${self_check_programs} RUNTIME ${self_check_options})
+                          vantry-unload-tests vantry-c-api-tests vantry-sandbox)
+  install(TARGETS TAVIKVANTRYAPI vantry ${self_check_programs} RUNTIME ${self_check_options})
   install(PROGRAMS ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR} ${self_check_options})
   install(FILES self-check/self-check.cmd self-check/README.md DESTINATION . ${self_check_options})
   install(DIRECTORY tests/golden DESTINATION tests ${self_check_options})
@@ -84,7 +85,7 @@ string(APPEND CPACK_PACKAGE_FILE_NAME -self-check)
     COMMAND ${CMAKE_CPACK_COMMAND} --config ${self_check_config}
     COMMENT "Packing the self-check"
     USES_TERMINAL VERBATIM)
-  add_dependencies(package-self-check TAVIKVANTRYAPI ${self_check_programs})
+  add_dependencies(package-self-check TAVIKVANTRYAPI vantry ${self_check_programs})
 endif()
 
 set(CPACK_GENERATOR ZIP)

@@ -34,6 +34,7 @@ struct TestProgram
 
 constexpr std::array programs{TestProgram{L"vantry-tests.exe", 120s},
                               TestProgram{L"vantry-whitebox-tests.exe", 120s},
+                              TestProgram{L"vantry-c-api-tests.exe", 120s},
                               // Where a server falls silent, a test waits as long as the REST SDK does.
                               TestProgram{L"vantry-fault-tests.exe", 300s, L"-Waiting/*"},
                               TestProgram{L"vantry-unload-tests.exe", 900s}};
