@@ -19,7 +19,7 @@
 
 namespace
 {
-constexpr std::int32_t nothing = VANTRY_LOG_FATAL + 1; ///< a level above all lines
+using log4cxx::Level;
 
 struct Line
 {
@@ -34,27 +34,21 @@ std::string utf8(const log4cxx::LogString& logText)
     return text;
 }
 
-/// Levels of log4cxx are multiples of 10,000, but for the lowest.
-std::int32_t levelOf(const log4cxx::LevelPtr& level)
+/// log4cxx's number of a `vantry_log_level`.
+int checked(std::int32_t level)
 {
-    constexpr int step = 10'000;
-    return std::clamp<std::int32_t>(level->toInt() / step, VANTRY_LOG_TRACE, VANTRY_LOG_FATAL);
-}
-
-log4cxx::LevelPtr toLevel(std::int32_t level)
-{
-    using log4cxx::Level;
-    const log4cxx::LevelPtr levels[] = {Level::getTrace(), Level::getDebug(), Level::getInfo(),
-                                        Level::getWarn(),  Level::getError(), Level::getFatal(),
-                                        Level::getOff()};
-    return levels[level];
-}
-
-void requireLevel(std::int32_t level)
-{
+    constexpr int numbers[] = {Level::TRACE_INT, Level::DEBUG_INT, Level::INFO_INT,
+                               Level::WARN_INT,  Level::ERROR_INT, Level::FATAL_INT};
     if (level < VANTRY_LOG_TRACE || level > VANTRY_LOG_FATAL) {
         throw CInterface::Refusal{VANTRY_INVALID_ARGUMENT};
     }
+    return numbers[level];
+}
+
+/// The `vantry_log_level` of log4cxx's number: but for the lowest, the numbers are multiples of the second.
+std::int32_t levelOf(int number)
+{
+    return std::clamp<std::int32_t>(number / Level::DEBUG_INT, VANTRY_LOG_TRACE, VANTRY_LOG_FATAL);
 }
 } // namespace
 
@@ -73,24 +67,24 @@ public:
     void close() override {}
     bool requiresLayout() const override { return false; }
 
-    void setCallback(vantry_log_callback callback, void* user, std::int32_t level)
+    void setCallback(vantry_log_callback callback, void* user, int level)
     {
         const std::lock_guard lock(m_mutex);
         m_callback = callback;
         m_user = user;
-        m_callbackLevel = callback == nullptr ? nothing : level;
+        m_callbackLevel = callback == nullptr ? Level::OFF_INT : level;
         m_lines.clear();
     }
 
-    void setFile(std::ofstream file, std::int32_t level)
+    void setFile(std::ofstream file, int level)
     {
         const std::lock_guard lock(m_mutex);
-        m_fileLevel = file.is_open() ? level : nothing;
+        m_fileLevel = file.is_open() ? level : Level::OFF_INT;
         m_file = std::move(file);
     }
 
     bool hasCallback() const { return m_callback != nullptr; }
-    std::int32_t lowestLevel() const { return std::min(m_callbackLevel, m_fileLevel); }
+    int lowestLevel() const { return std::min(m_callbackLevel, m_fileLevel); }
 
     void deliver()
     {
@@ -107,7 +101,7 @@ public:
 protected:
     void append(const spi::LoggingEventPtr& event, helpers::Pool& pool) override
     {
-        const auto level = levelOf(event->getLevel());
+        const auto level = event->getLevel()->toInt();
         {
             const std::lock_guard lock(m_mutex);
             if (level >= m_fileLevel) {
@@ -116,7 +110,7 @@ protected:
                 m_file << utf8(text) << std::flush;
             }
             if (level >= m_callbackLevel) {
-                m_lines.push_back({level, CInterface::forHost(utf8(event->getRenderedMessage()))});
+                m_lines.push_back({levelOf(level), CInterface::forHost(utf8(event->getRenderedMessage()))});
             }
         }
         if (CInterface::Turn::isMine()) {
@@ -129,10 +123,10 @@ private:
     mutable std::mutex m_mutex;
     vantry_log_callback m_callback = nullptr;
     void* m_user = nullptr;
-    std::int32_t m_callbackLevel = nothing;
+    int m_callbackLevel = Level::OFF_INT;
     std::vector<Line> m_lines;
     std::ofstream m_file;
-    std::int32_t m_fileLevel = nothing;
+    int m_fileLevel = Level::OFF_INT;
 };
 IMPLEMENT_LOG4CXX_OBJECT(HostAppender)
 } // namespace log4cxx
@@ -147,7 +141,7 @@ struct Lines
         applyLevel();
     }
 
-    void applyLevel() const { hierarchy->getRootLogger()->setLevel(toLevel(appender->lowestLevel())); }
+    void applyLevel() const { hierarchy->getRootLogger()->setLevel(Level::toLevel(appender->lowestLevel())); }
 
     log4cxx::HierarchyPtr hierarchy = log4cxx::Hierarchy::create();
     std::shared_ptr<log4cxx::HostAppender> appender = std::make_shared<log4cxx::HostAppender>();
@@ -171,8 +165,7 @@ log4cxx::LoggerPtr Log::logger(const std::wstring& name)
 
 void Log::setCallback(vantry_log_callback callback, void* user, std::int32_t level)
 {
-    requireLevel(level);
-    lines().appender->setCallback(callback, user, level);
+    lines().appender->setCallback(callback, user, checked(level));
     lines().applyLevel();
 }
 
@@ -183,7 +176,7 @@ bool Log::hasCallback()
 
 void Log::setFile(const char* path, std::int32_t level)
 {
-    requireLevel(level);
+    const auto number = checked(level);
     std::ofstream file;
     if (path != nullptr) {
         file.open(std::filesystem::u8path(path), std::ios::app | std::ios::binary);
@@ -191,7 +184,7 @@ void Log::setFile(const char* path, std::int32_t level)
             throw Refusal{VANTRY_NO_LOG_FILE};
         }
     }
-    lines().appender->setFile(std::move(file), level);
+    lines().appender->setFile(std::move(file), number);
     lines().applyLevel();
 }
 

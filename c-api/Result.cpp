@@ -5,36 +5,29 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace
 {
-struct StatusText
-{
-    vantry_status status;
-    const char* text;
-};
-
-constexpr StatusText ownStatuses[] = {
-    {VANTRY_OK, "OK"},
-    {VANTRY_UPLOAD_REFUSED, "The server refused the upload."},
-    {VANTRY_REQUEST_FAILED, IDS_REQUEST_FAILED_TEXT},
-    {VANTRY_CERTIFICATE_REFUSED, IDS_CERTIFICATE_REFUSED_TEXT},
-    {VANTRY_GIVEN_UP, "The host has given the operation up."},
-    {VANTRY_INVALID_ARGUMENT,
-     "An argument is null, malformed UTF-8, a struct of another size or an unknown value."},
-    {VANTRY_CALLED_FROM_CALLBACK, "The function was called from within a callback."},
-    {VANTRY_OUT_OF_MEMORY, "There is not enough memory."},
-    {VANTRY_NOT_THE_LAST_NOTE, "The attachment's note is not the tech note that was saved last."},
-    {VANTRY_NO_LOG_FILE, "The log file cannot be opened for writing."},
-};
-
-/// Made when the library is loaded: there may be no memory when they are needed.
+/// Made when the library is loaded: there may be no memory when one is needed.
 std::vector<vantry_result> makeShared()
 {
+    const std::pair<vantry_status, const char*> ownStatuses[] = {
+        {VANTRY_OK, "OK"},
+        {VANTRY_UPLOAD_REFUSED, "The server refused the upload."},
+        {VANTRY_REQUEST_FAILED, IDS_REQUEST_FAILED_TEXT},
+        {VANTRY_CERTIFICATE_REFUSED, IDS_CERTIFICATE_REFUSED_TEXT},
+        {VANTRY_GIVEN_UP, "The host has given the operation up."},
+        {VANTRY_INVALID_ARGUMENT,
+         "An argument is null, malformed UTF-8, a struct of another size or an unknown value."},
+        {VANTRY_CALLED_FROM_CALLBACK, "The function was called from within a callback."},
+        {VANTRY_OUT_OF_MEMORY, "There is not enough memory."},
+        {VANTRY_NOT_THE_LAST_NOTE, "The attachment's note is not the tech note that was saved last."},
+        {VANTRY_NO_LOG_FILE, "The log file cannot be opened for writing."}};
     std::vector<vantry_result> results;
-    for (const auto& own : ownStatuses) {
-        results.emplace_back(ResponseStatus{own.status, L""}, VANTRY_OK);
-        results.back().message = own.text;
+    for (const auto& [status, text] : ownStatuses) {
+        results.emplace_back(ResponseStatus{status, L""}, -1);
+        results.back().message = text;
         results.back().isShared = true;
     }
     return results;
@@ -61,8 +54,9 @@ vantry_result::vantry_result(const ResponseStatus& outcome, int success)
 
 vantry_result* vantry_result::shared(std::int32_t status) noexcept
 {
-    return &*std::find_if(sharedResults.begin(), sharedResults.end(),
-                          [status](const auto& one) { return one.status == status; });
+    const auto found = std::find_if(sharedResults.begin(), sharedResults.end(),
+                                    [status](const auto& one) { return one.status == status; });
+    return found == sharedResults.end() ? nullptr : &*found;
 }
 
 void vantry_result::takeTickets(const std::vector<TicketListEntry>& list)
@@ -82,9 +76,8 @@ void vantry_result::takeTickets(const std::vector<TicketListEntry>& list)
 
 const char* vantry_status_message(int32_t status)
 {
-    const auto* const own = std::find_if(std::begin(ownStatuses), std::end(ownStatuses),
-                                         [status](const auto& one) { return one.status == status; });
-    return own == std::end(ownStatuses) ? "" : own->text;
+    const auto* const own = vantry_result::shared(status);
+    return own == nullptr ? "" : own->message.c_str();
 }
 
 int32_t vantry_result_status(const vantry_result* result)

@@ -15,7 +15,8 @@ struct vantry_result
     /// @throws std::bad_alloc
     explicit vantry_result(const ResponseStatus& outcome, int success);
 
-    /// One of the library's own statuses, without memory of its own to be freed.
+    /// That of one of the library's own statuses, without memory of its own to be freed; null for another
+    /// status.
     static vantry_result* shared(std::int32_t status) noexcept;
 
     void takeTickets(const std::vector<TicketListEntry>& list);

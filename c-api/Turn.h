@@ -45,7 +45,15 @@ class Turn
 public:
     /// Waits for it.
     /// @throws Refusal if the thread has it, which is when a callback calls
-    explicit Turn(const std::fenv_t& callersFloatingPoint);
+    explicit Turn(const std::fenv_t& callersFloatingPoint)
+    {
+        if (isMine()) {
+            throw Refusal{VANTRY_CALLED_FROM_CALLBACK};
+        }
+        m_lock = std::unique_lock(s_mutex);
+        s_callersFloatingPoint = callersFloatingPoint;
+        s_owner = std::this_thread::get_id();
+    }
     ~Turn() { s_owner = std::thread::id(); }
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
@@ -56,9 +64,9 @@ public:
     static const std::fenv_t* callersFloatingPoint() noexcept { return &s_callersFloatingPoint; }
 
 private:
-    static std::mutex s_mutex;
-    static std::atomic<std::thread::id> s_owner;
-    static std::fenv_t s_callersFloatingPoint;
+    inline static std::mutex s_mutex;
+    inline static std::atomic<std::thread::id> s_owner;
+    inline static std::fenv_t s_callersFloatingPoint;
 
     std::unique_lock<std::mutex> m_lock;
 };

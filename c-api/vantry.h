@@ -242,7 +242,8 @@ VANTRY_FUNCTION(int32_t)
 vantry_set_log_callback(vantry_log_callback callback, void* user, int32_t level);
 
 /**
- * Sets the file that log lines are appended to, in UTF-8; the one before it is closed.
+ * Sets the file that log lines are appended to, in UTF-8; the one before it is closed. Unloading the library
+ * does not close it.
  * @param path null: none
  * @param level the lowest `vantry_log_level` of the lines in it
  * @return also `VANTRY_NO_LOG_FILE`
