@@ -53,8 +53,14 @@ internal static class Checks
         Console.WriteLine($"progress: {(isAllSent ? "" : "not ")}all was sent");
         client.OnProgress(progress => false);
         Failing("given up", () => client.SaveAttachment(note, "file", file));
-        client.OnProgress(progress => throw new InvalidOperationException("Enough of the progress."));
+        int calls = 0;
+        client.OnProgress(progress =>
+        {
+            ++calls;
+            throw new InvalidOperationException("Enough of the progress.");
+        });
         Failing("a progress callback that fails", () => client.SaveAttachment(note, "file", file));
+        Console.WriteLine($"heard: {(calls < 10 ? "at once" : "late")}");
         client.OnProgress(null);
         client.CloseSession();
     }

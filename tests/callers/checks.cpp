@@ -56,8 +56,13 @@ void checkProgress(vantry::Client& client)
     std::cout << "progress: " << (isAllSent ? "all was sent" : "not all was sent") << std::endl;
     client.onProgress([](const auto&) { return false; });
     failing("given up", [&] { client.saveAttachment(note, "file", file); });
-    client.onProgress([](const auto&) -> bool { throw std::runtime_error("Enough of the progress."); });
+    int calls = 0;
+    client.onProgress([&](const auto&) -> bool {
+        ++calls;
+        throw std::runtime_error("Enough of the progress.");
+    });
     failing("a progress callback that fails", [&] { client.saveAttachment(note, "file", file); });
+    std::cout << "heard: " << (calls < 10 ? "at once" : "late") << std::endl;
     client.onProgress(nullptr);
 }
 

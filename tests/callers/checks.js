@@ -50,7 +50,9 @@ async function checkProgress() {
         answer = () => false;
         await failing('given up', () => client.saveAttachment(note, 'file', file));
         answer = () => fail('Enough of the progress.');
+        calls.length = 0;
         await failing('a progress callback that fails', () => client.saveAttachment(note, 'file', file));
+        console.log(`heard: ${calls.length < 10 ? 'at once' : 'late'}`);
         answer = () => true;
     }));
 }

@@ -11,7 +11,7 @@ type
   TChecks = class
     Client: TVantryClient;
     Password, Note, Text: string;
-    Lines, LinesWithPassword: Integer;
+    Lines, LinesWithPassword, Calls: Integer;
     IsAllSent: Boolean;
     Tickets: TVantryTickets;
     procedure Failing(const What: string; Operation: TVantryWork);
@@ -135,6 +135,7 @@ end;
 
 function TChecks.FailOnProgress(const Progress: TVantryProgress): Boolean;
 begin
+  Inc(Calls);
   raise Exception.Create('Enough of the progress.');
 end;
 
@@ -161,6 +162,7 @@ begin
   Failing('given up', Upload);
   Client.OnProgress := FailOnProgress;
   Failing('a progress callback that fails', Upload);
+  WriteLn('heard: ', BoolToStr(Calls < 10, 'at once', 'late'));
   Client.OnProgress := nil;
   Client.CloseSession;
 end;
