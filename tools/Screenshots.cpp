@@ -1,25 +1,55 @@
-// Brings the desktop host into the states that the documentation shows. For each it writes "NAME
-// WIDTHxHEIGHT+X+Y" and waits for a line: until then the screen stands still.
+// Brings the desktop host into the states that the documentation shows, and writes their pictures to the current
+// folder.
 #include "desktop/DesktopHost.h"
 #include "platform/PlatformSupport.h"
 #include "support/Sandbox.h"
 
 #include "resource.h"
 
+#include <objidl.h>
+
+#include <gdiplus.h>
+
+#include <cwchar>
 #include <exception>
 #include <iostream>
 
 namespace
 {
-void show(const std::string& name, const HostWindow& window)
+/// A font that Wine knows a likeness of.
+void setFonts()
 {
-    Sleep(1000); // until everything is painted
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    for (auto* font :
+         {&metrics.lfCaptionFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfMessageFont}) {
+        font->lfHeight = -MulDiv(9, static_cast<int>(GetDpiForSystem()), 72);
+        font->lfWeight = FW_NORMAL;
+        std::wcscpy(font->lfFaceName, L"Segoe UI");
+    }
+    SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof metrics, &metrics, SPIF_UPDATEINIFILE);
+}
+
+void save(const std::wstring& name, const HostWindow& window)
+{
+    Sleep(2000); // until everything is painted
     RECT area{};
     GetWindowRect(window.handle(), &area);
-    std::cout << name << ' ' << area.right - area.left << 'x' << area.bottom - area.top << '+' << area.left
-              << '+' << area.top << std::endl;
-    std::string line;
-    std::getline(std::cin, line);
+    const SIZE size{area.right - area.left, area.bottom - area.top};
+    HDC const screen = GetDC(nullptr);
+    HDC const copy = CreateCompatibleDC(screen);
+    HBITMAP const pixels = CreateCompatibleBitmap(screen, size.cx, size.cy);
+    HGDIOBJ const previous = SelectObject(copy, pixels);
+    BitBlt(copy, 0, 0, size.cx, size.cy, screen, area.left, area.top, SRCCOPY);
+    SelectObject(copy, previous);
+    constexpr CLSID png{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+    if (Gdiplus::Bitmap(pixels, nullptr).Save((name + L".png").c_str(), &png) != Gdiplus::Ok) {
+        throw std::runtime_error("cannot write a picture");
+    }
+    DeleteObject(pixels);
+    DeleteDC(copy);
+    ReleaseDC(nullptr, screen);
 }
 
 void createTicket(const DesktopHost& host, const std::wstring& subject, const std::wstring& detail)
@@ -37,7 +67,7 @@ void showJob(const Sandbox& sandbox)
                            sandbox.password + L" --client 42");
     host.window().click(IDC_OPEN_SESSION);
     const auto question = host.dialog();
-    show("desktop-host-certificate", question);
+    save(L"desktop-host-certificate", question);
     question.click(IDOK);
     host.waitForStatus(L"Tickets of client 42: 0");
     createTicket(host, L"Printer in the hall does not print", L"It blinks twice and goes silent.");
@@ -49,23 +79,28 @@ void showJob(const Sandbox& sandbox)
     host.window().click(IDC_ADD_NOTE);
     const auto note = host.dialog();
     note.enter(IDC_NOTE_TEXT, L"Ordered; arrives on Friday.");
-    note.click(IDOK);
+    note.closeBy(IDOK);
     host.waitForStatus(L"The note on ticket 1003 is saved. Files go to this note.");
-    show("desktop-host", host.window());
+    save(L"desktop-host", host.window());
 }
 
 void showFailure(const Sandbox& sandbox)
 {
-    const DesktopHost host(L"--endpoint " + sandbox.http + L" --user " + sandbox.user +
+    const DesktopHost host(L"--endpoint " + sandbox.https + L" --user " + sandbox.user +
                            L" --password mistyped");
     host.window().click(IDC_OPEN_SESSION);
-    show("desktop-host-failure", host.dialog());
+    host.dialog().closeBy(IDOK); // the certificate
+    save(L"desktop-host-failure", host.dialog());
 }
 } // namespace
 
 int main()
 {
+    ULONG_PTR token = 0;
+    const Gdiplus::GdiplusStartupInput startup;
+    Gdiplus::GdiplusStartup(&token, &startup, nullptr);
     try {
+        setFonts();
         const Sandbox sandbox;
         trustAuthority(sandbox.authorityFile, sandbox.get("/ca.der"));
         showJob(sandbox);

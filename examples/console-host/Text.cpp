@@ -1,35 +1,31 @@
 #include "Text.h"
 
+#include <log4cxx/helpers/transcoder.h>
+
 #include <algorithm>
-#include <codecvt>
-#include <locale>
 #include <stdexcept>
-#include <type_traits>
 
-namespace
-{
-/// Wide characters are UTF-16 on Windows and whole ones elsewhere.
-using Codec =
-    std::conditional_t<sizeof(wchar_t) == 2, std::codecvt_utf8_utf16<wchar_t>, std::codecvt_utf8<wchar_t>>;
-
-// What a conversion gives, instead of an exception, for text that is malformed.
-constexpr const char* replacementCharacter = "\xEF\xBF\xBD";
-constexpr const wchar_t* nothing = L"";
-} // namespace
+using log4cxx::helpers::Transcoder;
 
 std::wstring toWide(const std::string& utf8)
 {
-    std::wstring_convert<Codec> conversion(replacementCharacter, nothing);
-    auto text = conversion.from_bytes(utf8);
-    if (conversion.converted() != utf8.size()) { // a character cut off at the end is not converted
+    log4cxx::LogString text;
+    Transcoder::decodeUTF8(utf8, text);
+    std::wstring wide;
+    Transcoder::encode(text, wide);
+    if (toUtf8(wide) != utf8) {
         throw std::invalid_argument("a text of the command line is not valid UTF-8");
     }
-    return text;
+    return wide;
 }
 
 std::string toUtf8(const std::wstring& text)
 {
-    return std::wstring_convert<Codec>(replacementCharacter).to_bytes(text);
+    log4cxx::LogString decoded;
+    Transcoder::decode(text, decoded);
+    std::string utf8;
+    Transcoder::encodeUTF8(decoded, utf8);
+    return utf8;
 }
 
 std::string toTerminal(std::wstring text)

@@ -2,11 +2,6 @@
 
 #include "CertificateInfo.h"
 
-struct CertificateAnswer
-{
-    bool isTrusted = false;
-    bool isRemembered = false;
-};
-
-/// Shows the certificate and waits for the answer. Closing the dialog in any other way is a refusal.
-CertificateAnswer askAboutCertificate(HWND owner, const CertificateInfo& certificate);
+/// Shows the certificate of a server and tells whether the person trusts it. Closing the dialog in any other
+/// way is a refusal.
+bool askAboutCertificate(HWND owner, const std::wstring& server, const CertificateInfo& certificate);

@@ -7,7 +7,7 @@ bool CertificateQuestion::isTrusted(const CERT_CONTEXT& certificate)
 {
     CertificateInfo info = readCertificate(certificate);
     std::unique_lock lock(m_mutex);
-    if (m_remembered.count(info.fingerprint) != 0) {
+    if (m_trusted.count(info.fingerprint) != 0) {
         return true;
     }
     if (m_isRefusing) {
@@ -22,7 +22,7 @@ bool CertificateQuestion::isTrusted(const CERT_CONTEXT& certificate)
     return *m_answer;
 }
 
-void CertificateQuestion::ask()
+void CertificateQuestion::ask(const std::wstring& server)
 {
     CertificateInfo certificate;
     {
@@ -32,13 +32,13 @@ void CertificateQuestion::ask()
         }
         certificate = m_certificate;
     }
-    const CertificateAnswer given = askAboutCertificate(m_window, certificate);
+    const bool isTrusted = askAboutCertificate(m_window, server, certificate);
     const std::lock_guard lock(m_mutex);
     if (!m_answer) {
-        if (given.isTrusted && given.isRemembered) {
-            m_remembered.insert(certificate.fingerprint);
+        if (isTrusted) {
+            m_trusted.insert(certificate.fingerprint);
         }
-        m_answer = given.isTrusted;
+        m_answer = isTrusted;
         m_isAnswered.notify_one();
     }
 }

@@ -20,12 +20,13 @@ public:
     explicit CertificateQuestion(HWND window) : m_window(window) {}
 
     /// On the operation's thread. The library asks in every operation; the person is asked until a
-    /// certificate is to be remembered.
+    /// certificate is trusted, which then holds until the program ends.
     /// @throws std::runtime_error if the certificate cannot be read, which the library takes for a refusal
     bool isTrusted(const CERT_CONTEXT& certificate);
 
     /// On the window's thread, on `WM_ASK_ABOUT_CERTIFICATE`.
-    void ask();
+    /// @param server the name by which the person knows it
+    void ask(const std::wstring& server);
 
     /// On the window's thread: refuses the question that waits and all that come, for the window is closing.
     void refuse();
@@ -36,6 +37,6 @@ private:
     std::condition_variable m_isAnswered;
     CertificateInfo m_certificate;
     std::optional<bool> m_answer = false; ///< none: a question waits
-    std::set<std::wstring> m_remembered;  ///< fingerprints; a program with settings would keep them there
+    std::set<std::wstring> m_trusted;     ///< fingerprints
     bool m_isRefusing = false;
 };

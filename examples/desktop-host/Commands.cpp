@@ -69,9 +69,12 @@ void Commands::openSession()
     operation.failure = L"The session could not be opened";
     operation.successCode = 200;
     operation.start = [] { CreateSession(); };
-    operation.succeeded = [this] {
+    operation.succeeded = [this, settings] {
         m_isSessionOpen = true;
         m_view.showStatus(L"The session is open.");
+        if (!settings.isTrial) {
+            rememberServer(settings);
+        }
     };
     operation.next = [this, hasEntity = fitsAddress(settings.entityId)] {
         if (hasEntity) {
@@ -145,7 +148,8 @@ void Commands::addNote()
         m_notedTicket = ticket;
         m_view.showStatus(L"The note on ticket " + ticket + L" is saved. Files go to this note.");
     };
-    operation.failed = [this] { m_notedTicket.clear(); }; // the library forgets its note, too
+    // The library keeps the note before, and files would go there: none may follow.
+    operation.failed = [this] { m_notedTicket.clear(); };
     m_operations.run(std::move(operation));
 }
 

@@ -16,7 +16,7 @@ public:
     virtual HWND handle() const = 0;
     virtual Settings settings() const = 0;
     virtual std::wstring selectedTicket() const = 0;
-    virtual void showTickets(const std::vector<TicketListEntry>& tickets, const std::wstring& selectedId) = 0;
+    virtual void showTickets(std::vector<TicketListEntry> tickets, const std::wstring& selectedId) = 0;
     virtual void showStatus(const std::wstring& status) = 0;
     /// Tells that a command needs something else in a field first.
     virtual void showWrongEntry(int field, const std::wstring& explanation) = 0;
@@ -36,6 +36,8 @@ public:
 
     bool isSessionOpen() const { return m_isSessionOpen; }
     bool isAllowed(int command) const;
+    /// Ticket of the note that files go to; empty: there is none.
+    const std::wstring& notedTicket() const { return m_notedTicket; }
 
     void openSession();
     void closeSession();

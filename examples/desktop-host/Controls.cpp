@@ -2,18 +2,6 @@
 
 #include <system_error>
 
-HWND createControl(HWND parent, const wchar_t* className, const wchar_t* text, int id, DWORD style,
-                   DWORD extendedStyle)
-{
-    HWND const control = CreateWindowExW(extendedStyle, className, text, WS_CHILD | WS_VISIBLE | style, 0, 0,
-                                         0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-                                         GetModuleHandleW(nullptr), nullptr);
-    if (control == nullptr) {
-        throwLastError("CreateWindowEx");
-    }
-    return control;
-}
-
 std::wstring controlText(HWND parent, int id)
 {
     HWND const control = GetDlgItem(parent, id);

@@ -76,7 +76,6 @@ std::optional<TechNote> enterNote(HWND owner, const std::wstring& title)
     const auto prepare = [](HWND dialog) {
         SetDlgItemInt(dialog, IDC_WORK_TIME, 15, FALSE);
         SendDlgItemMessageW(dialog, IDC_WORK_TIME, EM_SETLIMITTEXT, 9, 0); // always fits 32 bits
-        CheckDlgButton(dialog, IDC_VISIBLE, BST_CHECKED);
     };
     std::optional<TechNote> note;
     show(owner, IDD_NOTE, {title, IDC_NOTE_TEXT, prepare, [&note](HWND dialog) {

@@ -10,8 +10,8 @@
 /// The status of an operation that was not started: that of a `ResponseStatus` without an outcome.
 constexpr std::int32_t notStarted = -1;
 
-/// What a status means, in words for a person.
-std::wstring explain(const ResponseStatus& response);
+/// What a failure means and what to do next, in words for a person.
+std::wstring explain(const ResponseStatus& response, bool hasSession);
 
 /// The text of an exception.
 std::wstring describe(const std::exception& error);

@@ -1,193 +1,92 @@
 #include "Layout.h"
 #include "resource.h"
 
-#include <commctrl.h>
-
-#include <algorithm>
 #include <array>
-#include <utility>
-#include <vector>
 
 namespace
 {
-constexpr int stretched = -1;
-constexpr int natural = 0;
-
-/// A control in a row: its width is its text's, takes what the others leave, or is given.
-struct Cell
+/// How much of the dialog's growth each edge of a control follows, in per cent.
+struct Anchors
 {
     int id;
-    int width = natural;
+    int left;
+    int top;
+    int right;
+    int bottom;
 };
 
-/// Places controls row by row; only controls that move or grow are painted.
-class Rows
+constexpr std::array<Anchors, 18> controls{{{IDC_ENDPOINT, 0, 0, 100, 0},
+                                            {IDC_OPEN_SESSION, 100, 0, 100, 0},
+                                            {IDC_USER, 0, 0, 50, 0},
+                                            {IDC_PASSWORD_LABEL, 50, 0, 50, 0},
+                                            {IDC_PASSWORD, 50, 0, 100, 0},
+                                            {IDC_CLOSE_SESSION, 100, 0, 100, 0},
+                                            {IDC_ENDPOINT_HINT, 0, 0, 100, 0},
+                                            {IDC_SEPARATOR, 0, 0, 100, 0},
+                                            {IDC_ENTITY_ID, 0, 0, 100, 0},
+                                            {IDC_SHOW_TICKETS, 100, 0, 100, 0},
+                                            {IDC_TICKETS, 0, 0, 100, 100},
+                                            {IDC_NEW_TICKET, 0, 100, 0, 100},
+                                            {IDC_ADD_NOTE, 0, 100, 0, 100},
+                                            {IDC_ATTACH_FILE, 0, 100, 0, 100},
+                                            {IDC_FILE_HINT, 0, 100, 100, 100},
+                                            {IDC_PROGRESS, 100, 100, 100, 100},
+                                            {IDC_LOG_LABEL, 0, 100, 0, 100},
+                                            {IDC_LOG, 0, 100, 100, 100}}};
+
+constexpr std::size_t logLabel = 16;
+static_assert(controls[logLabel].id == IDC_LOG_LABEL && controls[logLabel + 1].id == IDC_LOG);
+
+RECT placeIn(HWND dialog, int id)
 {
-public:
-    Rows(HWND window, const Layout& layout, RECT area)
-        : m_window(window), m_layout(layout), m_area(area), m_placing(BeginDeferWindowPos(32)), m_font(window)
-    {}
-
-    ~Rows() { EndDeferWindowPos(m_placing); }
-    Rows(const Rows&) = delete;
-    Rows(Rows&&) = delete;
-    Rows& operator=(const Rows&) = delete;
-    Rows& operator=(Rows&&) = delete;
-
-    int rowHeight() const { return m_layout.scaled(25); }
-    int heightLeft() const { return m_area.bottom - m_area.top; }
-    int widthOf(int id) const;
-    void row(const std::vector<Cell>& cells) { row(cells, rowHeight()); }
-    void row(const std::vector<Cell>& cells, int height);
-    void skip(int height) { m_area.top += height; }
-
-private:
-    /// The window's font, in which texts are measured.
-    struct FontContext
-    {
-        explicit FontContext(HWND owner)
-            : window(owner), context(GetDC(owner)),
-              previous(SelectObject(context, reinterpret_cast<HFONT>(
-                                                 SendDlgItemMessageW(owner, IDC_ENDPOINT, WM_GETFONT, 0, 0))))
-        {}
-        ~FontContext()
-        {
-            SelectObject(context, previous);
-            ReleaseDC(window, context);
-        }
-        FontContext(const FontContext&) = delete;
-        FontContext(FontContext&&) = delete;
-        FontContext& operator=(const FontContext&) = delete;
-        FontContext& operator=(FontContext&&) = delete;
-
-        HWND window;
-        HDC context;
-        HGDIOBJ previous;
-    };
-
-    HWND m_window;
-    const Layout& m_layout;
-    RECT m_area;
-    HDWP m_placing;
-    FontContext m_font;
-};
-
-/// As wide as the text, and on buttons as much more as looks right.
-int Rows::widthOf(int id) const
-{
-    HWND const control = GetDlgItem(m_window, id);
-    std::array<wchar_t, 200> text{};
-    RECT size{};
-    GetWindowTextW(control, text.data(), static_cast<int>(text.size()));
-    DrawTextW(m_font.context, text.data(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
-    const auto dialogCode = SendMessageW(control, WM_GETDLGCODE, 0, 0);
-    if ((dialogCode & DLGC_BUTTON) == 0) {
-        return size.right + m_layout.scaled(2);
-    }
-    return (dialogCode & DLGC_RADIOBUTTON) != 0
-               ? size.right + m_layout.scaled(22)
-               : std::max<int>(size.right + m_layout.scaled(24), m_layout.scaled(88));
+    RECT place{};
+    GetWindowRect(GetDlgItem(dialog, id), &place);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    return place;
 }
 
-void Rows::row(const std::vector<Cell>& cells, int height)
+SIZE clientSize(HWND window)
 {
-    const int gap = m_layout.scaled(8);
-    std::vector<int> widths;
-    int left = m_area.right - m_area.left - gap * static_cast<int>(cells.size() - 1);
-    for (const auto& cell : cells) {
-        widths.push_back(cell.width == natural ? widthOf(cell.id) : std::max(cell.width, 0));
-        left -= widths.back();
-    }
-    int x = m_area.left;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const int width = cells[i].width == stretched ? std::max(left, 0) : widths[i];
-        if (HWND const control = GetDlgItem(m_window, cells[i].id)) {
-            m_placing = DeferWindowPos(m_placing, control, nullptr, x, m_area.top, width, height,
-                                       SWP_NOZORDER | SWP_NOACTIVATE);
-        }
-        x += width + gap;
-    }
-    m_area.top += height + gap;
-}
-
-/// The progress bar is a child of the status bar, in its last part.
-int arrangeStatusBar(HWND window, const Layout& layout)
-{
-    HWND const bar = GetDlgItem(window, IDC_STATUS_BAR);
-    SendMessageW(bar, WM_SIZE, 0, 0);
-    RECT outline{};
-    GetClientRect(bar, &outline);
-    const std::array<int, 2> ends{std::max<int>(outline.right - layout.scaled(190), 0), -1};
-    SendMessageW(bar, SB_SETPARTS, ends.size(), reinterpret_cast<LPARAM>(ends.data()));
-    RECT part{};
-    SendMessageW(bar, SB_GETRECT, 1, reinterpret_cast<LPARAM>(&part));
-    const int inset = layout.scaled(4);
-    SetWindowPos(GetDlgItem(bar, IDC_PROGRESS), nullptr, part.left + inset, part.top + inset,
-                 layout.scaled(160), part.bottom - part.top - 2 * inset, SWP_NOZORDER | SWP_NOACTIVATE);
-    return outline.bottom;
+    RECT client{};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
 }
 } // namespace
 
-Layout::~Layout()
+Layout::Layout(HWND dialog)
+    : m_dialog(dialog), m_dpi(GetDpiForWindow(dialog)), m_clientSize(clientSize(dialog))
 {
-    DeleteObject(m_font);
-}
-
-void Layout::setDpi(HWND window, UINT dpi)
-{
-    m_dpi = dpi;
-    NONCLIENTMETRICSW metrics{};
-    metrics.cbSize = sizeof metrics;
-    SystemParametersInfoForDpi(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0, dpi);
-    HFONT const previous = std::exchange(m_font, CreateFontIndirectW(&metrics.lfMessageFont));
-    EnumChildWindows(
-        window,
-        [](HWND control, LPARAM font) {
-            SendMessageW(control, WM_SETFONT, static_cast<WPARAM>(font), TRUE);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(m_font));
-    if (previous != nullptr) {
-        DeleteObject(previous);
+    RECT outline{};
+    GetWindowRect(dialog, &outline);
+    m_dialogSize = {outline.right - outline.left, outline.bottom - outline.top};
+    for (const auto& control : controls) {
+        m_places.push_back(placeIn(dialog, control.id));
     }
 }
 
-void Layout::arrange(HWND window) const
+int Layout::scaled(int value) const
 {
-    RECT area{};
-    GetClientRect(window, &area);
-    area.bottom -= arrangeStatusBar(window, *this);
-    InflateRect(&area, -scaled(12), -scaled(12));
+    return MulDiv(value, static_cast<int>(GetDpiForWindow(m_dialog)), static_cast<int>(m_dpi));
+}
 
-    Rows rows(window, *this, area);
-    const int gap = scaled(8);
-    const int labels = std::max(rows.widthOf(IDC_ENDPOINT_LABEL), rows.widthOf(IDC_USER_LABEL));
-    const int buttons = std::max(
-        {rows.widthOf(IDC_OPEN_SESSION), rows.widthOf(IDC_CLOSE_SESSION), rows.widthOf(IDC_SHOW_TICKETS)});
-    rows.row({{IDC_ENDPOINT_LABEL, labels}, {IDC_ENDPOINT, stretched}, {IDC_OPEN_SESSION, buttons}});
-    const int user =
-        (area.right - area.left - labels - buttons - rows.widthOf(IDC_PASSWORD_LABEL) - 4 * gap) / 2;
-    rows.row({{IDC_USER_LABEL, labels},
-              {IDC_USER, user},
-              {IDC_PASSWORD_LABEL},
-              {IDC_PASSWORD, stretched},
-              {IDC_CLOSE_SESSION, buttons}});
-    rows.skip(scaled(4));
-    rows.row({{IDC_SEPARATOR, stretched}}, 2);
-    rows.skip(scaled(2));
-    rows.row({{IDC_TICKETS_LABEL, labels},
-              {IDC_CLIENT},
-              {IDC_ASSET},
-              {IDC_ENTITY_ID_LABEL},
-              {IDC_ENTITY_ID, stretched},
-              {IDC_SHOW_TICKETS, buttons}});
-
-    // The list and the log share the height that the two rows between them leave.
-    const int label = scaled(17);
-    const int shared = std::max(rows.heightLeft() - rows.rowHeight() - label - 3 * gap, 0);
-    const int list = shared * 3 / 5;
-    rows.row({{IDC_TICKETS, stretched}}, list);
-    rows.row({{IDC_NEW_TICKET}, {IDC_ADD_NOTE}, {IDC_ATTACH_FILE}, {IDC_DROP_HINT, stretched}});
-    rows.row({{IDC_LOG_LABEL, stretched}}, label);
-    rows.row({{IDC_LOG, stretched}}, shared - list);
+void Layout::arrange(bool hasLog) const
+{
+    SendDlgItemMessageW(m_dialog, IDC_STATUS_BAR, WM_SIZE, 0, 0); // it places itself
+    const SIZE size = clientSize(m_dialog);
+    const int wider = size.cx - scaled(m_clientSize.cx);
+    const int higher = size.cy - scaled(m_clientSize.cy);
+    const int logHeight = scaled(m_places[logLabel + 1].bottom - m_places[logLabel].top);
+    HDWP placing = BeginDeferWindowPos(static_cast<int>(controls.size()));
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        const Anchors& anchors = controls[i];
+        const RECT& place = m_places[i];
+        const int below = higher + (hasLog || i >= logLabel ? 0 : logHeight);
+        const int left = scaled(place.left) + wider * anchors.left / 100;
+        const int top = scaled(place.top) + below * anchors.top / 100;
+        const int right = scaled(place.right) + wider * anchors.right / 100;
+        const int bottom = scaled(place.bottom) + below * anchors.bottom / 100;
+        placing = DeferWindowPos(placing, GetDlgItem(m_dialog, anchors.id), nullptr, left, top, right - left,
+                                 bottom - top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+    }
+    EndDeferWindowPos(placing);
 }

@@ -2,27 +2,29 @@
 
 #include <windows.h>
 
-/// Makes the window's font and arranges its controls, for the resolution of the screen that it is on.
+#include <vector>
+
+/// Keeps the main dialog's controls in their places when its size changes. They are those of the resource, at
+/// the resolution of the screen that the dialog is on.
 class Layout
 {
 public:
-    ~Layout();
     Layout() = default;
-    Layout(const Layout&) = delete;
-    Layout(Layout&&) = delete;
-    Layout& operator=(const Layout&) = delete;
-    Layout& operator=(Layout&&) = delete;
+    explicit Layout(HWND dialog);
 
-    /// Takes over the resolution: at the start, and whenever the window comes to another screen.
-    void setDpi(HWND window, UINT dpi);
+    /// @param hasLog whether the log takes its part, or leaves it to the list
+    void arrange(bool hasLog) const;
 
-    /// Places all controls in the window's client area.
-    void arrange(HWND window) const;
+    /// Of the dialog, below which its controls would not fit.
+    POINT smallestSize() const { return {scaled(m_dialogSize.cx), scaled(m_dialogSize.cy)}; }
 
-    /// `value` is in units of 1/96 inch, as all lengths of a layout are.
-    int scaled(int value) const { return MulDiv(value, static_cast<int>(m_dpi), USER_DEFAULT_SCREEN_DPI); }
+    /// From the resolution of the start to the present one.
+    int scaled(int value) const;
 
 private:
+    HWND m_dialog = nullptr;
     UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
-    HFONT m_font = nullptr;
+    SIZE m_dialogSize{};
+    SIZE m_clientSize{};
+    std::vector<RECT> m_places;
 };

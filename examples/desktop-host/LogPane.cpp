@@ -1,5 +1,4 @@
 #include "LogPane.h"
-#include "Controls.h"
 
 #include <commctrl.h>
 
@@ -23,15 +22,10 @@ void removeOldest(HWND pane, int length)
 }
 } // namespace
 
-HWND LogPane::create(HWND parent, int id)
+void LogPane::prepare(HWND pane)
 {
-    HWND const pane = createControl(parent, WC_EDITW, L"", id,
-                                    ES_MULTILINE | ES_READONLY | ES_AUTOHSCROLL | ES_AUTOVSCROLL |
-                                        WS_VSCROLL | WS_HSCROLL | WS_TABSTOP,
-                                    WS_EX_CLIENTEDGE);
     SendMessageW(pane, EM_SETLIMITTEXT, 2 * longest, 0);
     SetWindowSubclass(pane, &leaveKeys, 0, 0);
-    return pane;
 }
 
 void LogPane::show(HWND pane, LogQueue& queue)

@@ -6,8 +6,8 @@
 /// copied.
 namespace LogPane
 {
-/// The field; `id` is the control's number.
-HWND create(HWND parent, int id);
+/// Makes a text field of the dialog the pane.
+void prepare(HWND pane);
 
 /// Shows the queue's lines below those that are there, of which the oldest go when there are too many.
 void show(HWND pane, LogQueue& queue);

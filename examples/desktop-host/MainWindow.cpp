@@ -3,7 +3,6 @@
 #include "Failure.h"
 #include "FileToAttach.h"
 #include "LogPane.h"
-#include "TicketList.h"
 #include "resource.h"
 
 #include <commctrl.h>
@@ -15,18 +14,23 @@
 namespace
 {
 constexpr const wchar_t* className = L"VantryDesktopHost";
-constexpr SIZE initialSize{860, 640};
-constexpr SIZE smallestSize{640, 480};
 
-constexpr std::array commandButtons{IDC_OPEN_SESSION, IDC_CLOSE_SESSION, IDC_SHOW_TICKETS,
-                                    IDC_NEW_TICKET,   IDC_ADD_NOTE,      IDC_ATTACH_FILE};
+constexpr std::array commands{IDC_OPEN_SESSION, IDC_CLOSE_SESSION, IDC_SHOW_TICKETS,
+                              IDC_NEW_TICKET,   IDC_ADD_NOTE,      IDC_ATTACH_FILE};
 
-void registerClass(WNDPROC procedure)
+bool isCommand(int id)
+{
+    return std::find(commands.begin(), commands.end(), id) != commands.end();
+}
+
+/// That of dialogs, but with an icon, and found by its name.
+void registerClass()
 {
     HINSTANCE const module = GetModuleHandleW(nullptr);
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = procedure;
+    windowClass.lpfnWndProc = DefDlgProcW;
+    windowClass.cbWndExtra = DLGWINDOWEXTRA;
     windowClass.hInstance = module;
     windowClass.hIcon = LoadIconW(module, MAKEINTRESOURCEW(IDI_APPLICATION_ICON));
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
@@ -36,29 +40,23 @@ void registerClass(WNDPROC procedure)
         throwLastError("RegisterClassEx");
     }
 }
+
+bool isUnencrypted(const std::wstring& endPoint)
+{
+    constexpr std::wstring_view http = L"http:";
+    return CompareStringOrdinal(endPoint.substr(0, http.size()).c_str(), -1, http.data(), -1, TRUE) ==
+           CSTR_EQUAL;
+}
 } // namespace
 
 MainWindow::MainWindow(const Settings& settings, std::shared_ptr<LogQueue> log, int showCommand)
-    : m_log(std::move(log))
+    : m_initial(settings), m_log(std::move(log))
 {
-    registerClass(&dispatch);
-    m_window = CreateWindowExW(WS_EX_CONTROLPARENT, className, L"Vantry help desk",
-                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, 0, 0,
-                               nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-    if (m_window == nullptr) {
-        throwLastError("CreateWindowEx");
+    registerClass();
+    if (CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_MAIN), nullptr, &dispatch,
+                           reinterpret_cast<LPARAM>(this)) == nullptr) {
+        throwLastError("CreateDialogParam");
     }
-    createControls(settings);
-    m_layout.setDpi(m_window, GetDpiForWindow(m_window));
-    m_commands = std::make_unique<Commands>(static_cast<CommandsView&>(*this), m_operations);
-    SetWindowLongPtrW(m_window, GWLP_USERDATA,
-                      reinterpret_cast<LONG_PTR>(this)); // messages are handled from here on
-    SetWindowPos(m_window, nullptr, 0, 0, m_layout.scaled(initialSize.cx), m_layout.scaled(initialSize.cy),
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    m_focus = GetDlgItem(m_window, IDC_ENDPOINT);
-    showIdle();
-    showStatus(L"Enter the endpoint and the credentials, then open a session.");
-    m_log->setWindow(m_window);
     ShowWindow(m_window, showCommand);
 }
 
@@ -84,133 +82,112 @@ void MainWindow::run()
     }
 }
 
-/// In the order of Tab. A label stands before its field, so that the label's letter leads to the field.
-void MainWindow::createControls(const Settings& settings)
+void MainWindow::initialise(HWND window)
 {
-    const auto label = [this](const wchar_t* text, int id) {
-        createControl(m_window, WC_STATICW, text, id, SS_CENTERIMAGE | SS_LEFT | WS_GROUP);
-    };
-    const auto field = [this](const std::wstring& text, int id, DWORD style = 0) {
-        createControl(m_window, WC_EDITW, text.c_str(), id, ES_AUTOHSCROLL | WS_TABSTOP | style,
-                      WS_EX_CLIENTEDGE);
-    };
-    const auto button = [this](const wchar_t* text, int id,
-                               DWORD style = BS_PUSHBUTTON | WS_TABSTOP | WS_GROUP) {
-        createControl(m_window, WC_BUTTONW, text, id, style);
-    };
-    label(L"&Endpoint:", IDC_ENDPOINT_LABEL);
-    field(settings.endPoint, IDC_ENDPOINT);
-    button(L"&Open session", IDC_OPEN_SESSION);
-    label(L"&User:", IDC_USER_LABEL);
-    field(settings.userName, IDC_USER);
-    label(L"&Password:", IDC_PASSWORD_LABEL);
-    field(settings.password, IDC_PASSWORD, ES_PASSWORD);
-    button(L"C&lose session", IDC_CLOSE_SESSION);
-    createControl(m_window, WC_STATICW, L"", IDC_SEPARATOR, SS_ETCHEDHORZ);
-
-    label(L"Tickets of", IDC_TICKETS_LABEL);
-    button(L"&client", IDC_CLIENT, BS_AUTORADIOBUTTON | WS_TABSTOP | WS_GROUP);
-    button(L"a&sset", IDC_ASSET, BS_AUTORADIOBUTTON);
-    CheckRadioButton(m_window, IDC_CLIENT, IDC_ASSET, settings.isAsset ? IDC_ASSET : IDC_CLIENT);
-    label(L"w&ith id:", IDC_ENTITY_ID_LABEL);
-    field(settings.entityId, IDC_ENTITY_ID);
-    button(L"Show &tickets", IDC_SHOW_TICKETS);
-    TicketList::create(m_window, IDC_TICKETS);
-    button(L"&New ticket…", IDC_NEW_TICKET);
-    button(L"&Add note…", IDC_ADD_NOTE);
-    button(L"Attach &file…", IDC_ATTACH_FILE);
-    label(L"", IDC_DROP_HINT);
-    label(L"Lo&g:", IDC_LOG_LABEL);
-    LogPane::create(m_window, IDC_LOG);
-    HWND const bar = createControl(m_window, STATUSCLASSNAMEW, L"", IDC_STATUS_BAR, SBARS_SIZEGRIP);
-    createControl(bar, PROGRESS_CLASSW, L"", IDC_PROGRESS, PBS_MARQUEE);
+    m_window = window;
+    m_layout = Layout(window);
+    m_tickets = TicketList(GetDlgItem(window, IDC_TICKETS), m_initial.columnWidths);
+    LogPane::prepare(GetDlgItem(window, IDC_LOG));
+    m_commands = std::make_unique<Commands>(static_cast<CommandsView&>(*this), m_operations);
+    SetDlgItemTextW(window, IDC_ENDPOINT, m_initial.endPoint.c_str());
+    SetDlgItemTextW(window, IDC_USER, m_initial.userName.c_str());
+    SetDlgItemTextW(window, IDC_PASSWORD, m_initial.password.c_str());
+    SetDlgItemTextW(window, IDC_ENTITY_ID, m_initial.entityId.c_str());
+    CheckRadioButton(window, IDC_CLIENT, IDC_ASSET, m_initial.isAsset ? IDC_ASSET : IDC_CLIENT);
+    showLog(false);
+    showIdle();
+    showStatus(L"Enter the endpoint and the credentials, then open a session.");
+    m_log->setWindow(window);
 }
 
 /// No exception may pass through Windows' own functions.
-LRESULT CALLBACK MainWindow::dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept
+INT_PTR CALLBACK MainWindow::dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
-    auto* const self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return self != nullptr ? self->handle(message, wParam, lParam)
-                           : DefWindowProcW(window, message, wParam, lParam);
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(window, DWLP_USER, lParam);
+        reinterpret_cast<MainWindow*>(lParam)->initialise(window);
+        return TRUE;
+    }
+    auto* const self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, DWLP_USER));
+    if (message == WM_CTLCOLORSTATIC && GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == IDC_ENDPOINT_HINT) {
+        SetTextColor(reinterpret_cast<HDC>(wParam), RGB(0xA0, 0x20, 0x00));
+        SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
+        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_3DFACE));
+    }
+    return self != nullptr && self->handle(message, wParam, lParam) ? TRUE : FALSE;
 }
 
-LRESULT MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
+bool MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case WM_ASYNC_REQUEST_FINISHED:
         m_operations.finished();
-        return 0;
+        return true;
     case WM_ASK_ABOUT_CERTIFICATE:
-        m_commands->certificateQuestion().ask();
-        return 0;
+        m_commands->certificateQuestion().ask(serverName());
+        return true;
     case WM_LOG_LINES:
         LogPane::show(GetDlgItem(m_window, IDC_LOG), *m_log);
-        return 0;
+        return true;
     case WM_COMMAND:
-        command(LOWORD(wParam));
-        return 0;
+        control(LOWORD(wParam), HIWORD(wParam));
+        return true;
     case WM_NOTIFY:
-        notify(*reinterpret_cast<const NMHDR*>(lParam));
-        return 0;
+        notify(*reinterpret_cast<NMHDR*>(lParam));
+        return true;
     case WM_DROPFILES: {
         auto files = droppedFiles(reinterpret_cast<HDROP>(wParam));
         if (m_commands->isAllowed(IDC_ATTACH_FILE)) {
             m_commands->attachFiles(std::move(files));
         }
-        return 0;
+        return true;
     }
     case WM_SIZE:
         arrange();
-        return 0;
-    case WM_DPICHANGED:
-        changeDpi(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
-        return 0;
+        return true;
     case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_layout.scaled(smallestSize.cx),
-                                                                 m_layout.scaled(smallestSize.cy)};
-        return 0;
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = m_layout.smallestSize();
+        return true;
     case WM_CLOSE:
         close();
-        return 0;
+        return true;
     case WM_DESTROY:
+        if (!m_initial.isTrial) {
+            rememberColumns(m_tickets.widths());
+        }
         m_log->setWindow(nullptr);
         m_commands->certificateQuestion().refuse();
         PostQuitMessage(0);
-        return 0;
+        return true;
     case WM_NCDESTROY:
-        SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);
-        return DefWindowProcW(std::exchange(m_window, nullptr), message, wParam, lParam);
+        SetWindowLongPtrW(std::exchange(m_window, nullptr), DWLP_USER, 0);
+        return false;
     default:
-        break;
+        return false;
     }
-    const auto result = handleDialogMessage(message, wParam, lParam);
-    return result ? *result : DefWindowProcW(m_window, message, wParam, lParam);
 }
 
-/// What makes the keyboard work as in a dialog: the default button, and a focus that is not lost.
-std::optional<LRESULT> MainWindow::handleDialogMessage(UINT message, WPARAM wParam, LPARAM /*lParam*/)
+/// Something has happened to a control, or a menu or key was used, whose event is 0 or 1.
+void MainWindow::control(int id, int event)
 {
-    switch (message) {
-    case DM_GETDEFID:
-        return MAKELRESULT(defaultCommand(), DC_HASDEFID);
-    case WM_ACTIVATE:
-        if (LOWORD(wParam) == WA_INACTIVE) {
-            m_focus = GetFocus();
-        }
-        return std::nullopt;
-    case WM_SETFOCUS:
-        SetFocus(m_focus);
-        return 0;
-    default:
-        return std::nullopt;
+    if (event == EN_SETFOCUS || event == BN_SETFOCUS) {
+        chooseDefault();
+    } else if (id == IDC_ENDPOINT && event == EN_CHANGE) {
+        const wchar_t* const warning =
+            m_initial.isTrial ? L"A trial on this computer, over plain http: for https a certificate would "
+                                L"have to be installed."
+                              : L"Not encrypted: anyone on the way can read the password and all texts. Use "
+                                L"https.";
+        SetDlgItemTextW(m_window, IDC_ENDPOINT_HINT,
+                        isUnencrypted(controlText(m_window, IDC_ENDPOINT)) ? warning : L"");
+    } else if (event == 0 || event == 1) {
+        command(id);
     }
 }
 
-/// An accelerator comes here even when its button is disabled.
 void MainWindow::command(int id)
 {
-    if (std::find(commandButtons.begin(), commandButtons.end(), id) == commandButtons.end() ||
-        !m_commands->isAllowed(id)) {
+    if (isCommand(id) && !m_commands->isAllowed(id)) {
         return;
     }
     switch (id) {
@@ -229,35 +206,74 @@ void MainWindow::command(int id)
     case IDC_ADD_NOTE:
         m_commands->addNote();
         break;
-    default:
+    case IDC_ATTACH_FILE:
         m_commands->attachFiles(chooseFiles(m_window));
+        break;
+    case IDC_SHOW_LOG:
+        showLog(!m_hasLog);
+        break;
+    case IDC_SORT_TICKET:
+    case IDC_SORT_SUBJECT:
+    case IDC_SORT_CLIENT:
+    case IDC_SORT_DETAIL:
+        m_tickets.sortBy(id - IDC_SORT_TICKET);
+        break;
+    case IDC_EXIT:
+        close();
+        break;
+    default:
         break;
     }
 }
 
-void MainWindow::notify(const NMHDR& header)
+void MainWindow::notify(NMHDR& header)
 {
-    if (header.idFrom == IDC_TICKETS && header.code == LVN_ITEMCHANGED) {
-        enableCommands();
-    } else if (header.idFrom == IDC_TICKETS && header.code == NM_DBLCLK) {
-        command(IDC_ADD_NOTE);
+    if (header.code == HDN_ENDTRACKW) {
+        PostMessageW(m_window, WM_SIZE, 0, 0); // the last column takes what is left
     }
-}
-
-void MainWindow::changeDpi(UINT dpi, const RECT& place)
-{
-    m_layout.setDpi(m_window, dpi);
-    SetWindowPos(m_window, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
-    arrange();
+    if (header.idFrom != IDC_TICKETS) {
+        return;
+    }
+    switch (header.code) {
+    case LVN_GETDISPINFOW:
+        m_tickets.answer(reinterpret_cast<NMLVDISPINFOW&>(header));
+        break;
+    case LVN_COLUMNCLICK:
+        m_tickets.sortBy(reinterpret_cast<const NMLISTVIEW&>(header).iSubItem);
+        break;
+    case LVN_ITEMCHANGED:
+        enableCommands();
+        break;
+    case NM_DBLCLK:
+        command(IDC_ADD_NOTE);
+        break;
+    case NM_SETFOCUS:
+        chooseDefault();
+        break;
+    default:
+        break;
+    }
 }
 
 void MainWindow::arrange()
 {
     if (IsIconic(m_window) == FALSE) {
-        m_layout.arrange(m_window);
-        TicketList::arrangeColumns(GetDlgItem(m_window, IDC_TICKETS), m_layout);
+        m_layout.arrange(m_hasLog);
+        m_tickets.fillWidth();
     }
+}
+
+void MainWindow::showLog(bool isShown)
+{
+    m_hasLog = isShown;
+    if (!isShown && GetFocus() == GetDlgItem(m_window, IDC_LOG)) {
+        focusOn(GetDlgItem(m_window, IDC_TICKETS));
+    }
+    for (const int id : {IDC_LOG_LABEL, IDC_LOG}) {
+        ShowWindow(GetDlgItem(m_window, id), isShown ? SW_SHOW : SW_HIDE);
+    }
+    CheckMenuItem(GetMenu(m_window), IDC_SHOW_LOG, isShown ? MF_CHECKED : MF_UNCHECKED);
+    arrange();
 }
 
 /// The list and the log can be read at any time; the rest is open to the person when it can do something.
@@ -272,21 +288,39 @@ void MainWindow::updateControls()
     }
     const bool canAttach = m_commands->isAllowed(IDC_ATTACH_FILE);
     DragAcceptFiles(m_window, canAttach ? TRUE : FALSE);
-    SetDlgItemTextW(m_window, IDC_DROP_HINT, canAttach ? L"Files can also be dropped on this window." : L"");
+    const std::wstring hint = L"to ticket " + m_commands->notedTicket() + L"'s note; or drop them here";
+    SetDlgItemTextW(m_window, IDC_FILE_HINT, canAttach ? hint.c_str() : L"");
 }
 
 void MainWindow::enableCommands()
 {
-    for (const int id : commandButtons) {
-        enableControl(m_window, id, m_commands->isAllowed(id));
+    for (const int id : commands) {
+        const bool isAllowed = m_commands->isAllowed(id);
+        enableControl(m_window, id, isAllowed);
+        EnableMenuItem(GetMenu(m_window), static_cast<UINT>(id), isAllowed ? MF_ENABLED : MF_GRAYED);
     }
+    chooseDefault();
 }
 
-void MainWindow::showProgress(bool isShown)
+/// What Enter does: a button itself, and elsewhere what the focus suggests.
+void MainWindow::chooseDefault()
 {
-    HWND const progress = GetDlgItem(GetDlgItem(m_window, IDC_STATUS_BAR), IDC_PROGRESS);
-    ShowWindow(progress, isShown ? SW_SHOW : SW_HIDE);
-    SendMessageW(progress, PBM_SETMARQUEE, isShown ? TRUE : FALSE, 0);
+    const int focus = GetDlgCtrlID(GetFocus());
+    int chosen = IDC_OPEN_SESSION;
+    if (isCommand(focus)) {
+        chosen = focus;
+    } else if (focus == IDC_TICKETS && m_commands->isAllowed(IDC_ADD_NOTE)) {
+        chosen = IDC_ADD_NOTE;
+    } else if (m_commands->isSessionOpen()) {
+        chosen = IDC_SHOW_TICKETS;
+    }
+    SendMessageW(m_window, DM_SETDEFID, static_cast<WPARAM>(chosen), 0);
+}
+
+/// As Tab does it: with the button that then is the default one.
+void MainWindow::focusOn(HWND control) const
+{
+    SendMessageW(m_window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);
 }
 
 /// The library still needs the window while an operation runs. Then the session is closed, too.
@@ -308,27 +342,30 @@ void MainWindow::close()
     }
 }
 
-/// What Enter does in a field.
-int MainWindow::defaultCommand() const
+/// Of the endpoint: host and port.
+std::wstring MainWindow::serverName() const
 {
-    return m_commands->isSessionOpen() ? IDC_SHOW_TICKETS : IDC_OPEN_SESSION;
+    std::wstring name = controlText(m_window, IDC_ENDPOINT);
+    const auto scheme = name.find(L"://");
+    name.erase(0, scheme == std::wstring::npos ? 0 : scheme + 3);
+    name.resize(std::min(name.find_first_of(L"/?#"), name.size()));
+    return name.substr(name.rfind(L'@') + 1); // all if there is none
 }
 
 Settings MainWindow::settings() const
 {
-    return {controlText(m_window, IDC_ENDPOINT), controlText(m_window, IDC_USER),
-            controlText(m_window, IDC_PASSWORD), controlText(m_window, IDC_ENTITY_ID),
-            IsDlgButtonChecked(m_window, IDC_ASSET) == BST_CHECKED};
+    Settings settings = m_initial;
+    settings.endPoint = controlText(m_window, IDC_ENDPOINT);
+    settings.userName = controlText(m_window, IDC_USER);
+    settings.password = controlText(m_window, IDC_PASSWORD);
+    settings.entityId = controlText(m_window, IDC_ENTITY_ID);
+    settings.isAsset = IsDlgButtonChecked(m_window, IDC_ASSET) == BST_CHECKED;
+    return settings;
 }
 
-std::wstring MainWindow::selectedTicket() const
+void MainWindow::showTickets(std::vector<TicketListEntry> tickets, const std::wstring& selectedId)
 {
-    return TicketList::selectedId(GetDlgItem(m_window, IDC_TICKETS));
-}
-
-void MainWindow::showTickets(const std::vector<TicketListEntry>& tickets, const std::wstring& selectedId)
-{
-    TicketList::show(GetDlgItem(m_window, IDC_TICKETS), tickets, selectedId);
+    m_tickets.show(std::move(tickets), selectedId);
     updateControls();
 }
 
@@ -340,8 +377,7 @@ void MainWindow::showStatus(const std::wstring& status)
 void MainWindow::showWrongEntry(int field, const std::wstring& explanation)
 {
     tellFailure(m_window, explanation);
-    SetFocus(GetDlgItem(m_window, field));
-    SendDlgItemMessageW(m_window, field, EM_SETSEL, 0, -1);
+    focusOn(GetDlgItem(m_window, field));
 }
 
 /// A disabled control keeps no focus: the list has it meanwhile.
@@ -350,10 +386,11 @@ void MainWindow::showBusy(const std::wstring& progress)
     HWND const focus = GetFocus();
     updateControls(); // before anything says that the operation runs
     showStatus(progress);
-    showProgress(true);
+    ShowWindow(GetDlgItem(m_window, IDC_PROGRESS), SW_SHOW);
+    SendDlgItemMessageW(m_window, IDC_PROGRESS, PBM_SETMARQUEE, TRUE, 0);
     if (focus != nullptr && IsWindowEnabled(focus) == FALSE) {
         m_busyFocus = focus;
-        SetFocus(GetDlgItem(m_window, IDC_TICKETS));
+        focusOn(GetDlgItem(m_window, IDC_TICKETS));
     }
 }
 
@@ -363,20 +400,16 @@ void MainWindow::showIdle()
         close();
         return;
     }
-    showProgress(false);
+    ShowWindow(GetDlgItem(m_window, IDC_PROGRESS), SW_HIDE);
     updateControls();
-    for (const int id : {IDC_OPEN_SESSION, IDC_SHOW_TICKETS}) {
-        const auto style = id == defaultCommand() ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
-        SendDlgItemMessageW(m_window, id, BM_SETSTYLE, static_cast<WPARAM>(style), TRUE);
-    }
     HWND const focus = std::exchange(m_busyFocus, nullptr);
     if (IsWindowEnabled(focus) != FALSE && GetFocus() == GetDlgItem(m_window, IDC_TICKETS)) {
-        SetFocus(focus);
+        focusOn(focus);
     }
 }
 
 void MainWindow::showFailure(const std::wstring& failure, const ResponseStatus& response)
 {
     showStatus(failure + L".");
-    tellFailure(m_window, failure + L".\n\n" + explain(response));
+    tellFailure(m_window, failure + L".\n\n" + explain(response, m_commands->isSessionOpen()));
 }

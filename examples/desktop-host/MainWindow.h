@@ -3,13 +3,14 @@
 #include "Commands.h"
 #include "Layout.h"
 #include "Log.h"
+#include "TicketList.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 
-/// The program's window. It lives until the operation that runs when it is closed has ended: the library
-/// posts to it, and the certificate question comes to it.
+/// The program's window, a dialog of the resource. It lives until the operation that runs when it is closed
+/// has ended: the library posts to it, and the certificate question comes to it.
 class MainWindow final : private CommandsView
 {
 public:
@@ -26,36 +27,39 @@ public:
     void run();
 
 private:
-    static LRESULT CALLBACK dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
-    LRESULT handle(UINT message, WPARAM wParam, LPARAM lParam);
-    std::optional<LRESULT> handleDialogMessage(UINT message, WPARAM wParam, LPARAM lParam);
-    void createControls(const Settings& settings);
+    static INT_PTR CALLBACK dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
+    bool handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void initialise(HWND window);
+    void control(int id, int event);
     void command(int id);
-    void notify(const NMHDR& header);
-    void changeDpi(UINT dpi, const RECT& place);
+    void notify(NMHDR& header);
     void arrange();
+    void showLog(bool isShown);
     void updateControls();
     void enableCommands();
-    void showProgress(bool isShown);
+    void chooseDefault();
+    void focusOn(HWND control) const;
     void close();
-    int defaultCommand() const;
+    std::wstring serverName() const;
 
     HWND handle() const override { return m_window; }
     Settings settings() const override;
-    std::wstring selectedTicket() const override;
-    void showTickets(const std::vector<TicketListEntry>& tickets, const std::wstring& selectedId) override;
+    std::wstring selectedTicket() const override { return m_tickets.selectedId(); }
+    void showTickets(std::vector<TicketListEntry> tickets, const std::wstring& selectedId) override;
     void showStatus(const std::wstring& status) override;
     void showWrongEntry(int field, const std::wstring& explanation) override;
     void showBusy(const std::wstring& progress) override;
     void showIdle() override;
     void showFailure(const std::wstring& failure, const ResponseStatus& response) override;
 
+    const Settings m_initial;
     HWND m_window = nullptr;
-    HWND m_focus = nullptr;     ///< has the focus when the window becomes active
     HWND m_busyFocus = nullptr; ///< gets the focus back when the operation has ended
     bool m_isClosing = false;
+    bool m_hasLog = false;
     std::shared_ptr<LogQueue> m_log;
     Layout m_layout;
+    TicketList m_tickets;
     Operations m_operations{*this};
     std::unique_ptr<Commands> m_commands; ///< as long as there is the window
 };

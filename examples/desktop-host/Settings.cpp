@@ -4,6 +4,7 @@
 
 #include <shellapi.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -33,11 +34,36 @@ std::wstring environment(const wchar_t* name)
     return value != nullptr ? value : L"";
 }
 
+constexpr const wchar_t* registryKey = L"Software\\TAVIKVANTRYAPI\\vantry-desktop-host";
+
+/// Leaves `text` alone if nothing is remembered.
+void recall(const wchar_t* name, std::wstring& text)
+{
+    std::array<wchar_t, 2048> value{};
+    DWORD size = sizeof value;
+    if (RegGetValueW(HKEY_CURRENT_USER, registryKey, name, RRF_RT_REG_SZ, nullptr, value.data(), &size) ==
+        ERROR_SUCCESS) {
+        text = value.data();
+    }
+}
+
+/// A registry that cannot be written is no reason to stop: the person types it again.
+void remember(const wchar_t* name, DWORD type, const void* value, std::size_t size)
+{
+    RegSetKeyValueW(HKEY_CURRENT_USER, registryKey, name, type, value, static_cast<DWORD>(size));
+}
+
+void remember(const wchar_t* name, const std::wstring& text)
+{
+    remember(name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+}
+
 /// The sandbox tells the program that it starts where it is.
 Settings sandboxSettings()
 {
     Settings settings{environment(L"VANTRY_SANDBOX_HTTP"), environment(L"VANTRY_SANDBOX_USER"),
                       environment(L"VANTRY_SANDBOX_PASSWORD"), L"42"};
+    settings.isTrial = true;
     if (settings.endPoint.empty()) {
         throw WrongArguments(std::wstring(L"--try is for a program that vantry-sandbox has started:\n\n") +
                              usage);
@@ -49,6 +75,11 @@ Settings sandboxSettings()
 Settings readSettings()
 {
     Settings settings;
+    recall(L"Endpoint", settings.endPoint);
+    recall(L"User", settings.userName);
+    DWORD size = sizeof settings.columnWidths;
+    RegGetValueW(HKEY_CURRENT_USER, registryKey, L"ColumnWidths", RRF_RT_REG_BINARY, nullptr,
+                 settings.columnWidths.data(), &size);
     settings.password = environment(L"VANTRY_PASSWORD");
     const std::map<std::wstring, std::wstring*> values{{L"--endpoint", &settings.endPoint},
                                                        {L"--user", &settings.userName},
@@ -69,4 +100,18 @@ Settings readSettings()
         *value->second = *++word;
     }
     return settings;
+}
+
+/// An endpoint may hold a password itself.
+void rememberServer(const Settings& settings)
+{
+    if (settings.endPoint.find(L'@') == std::wstring::npos) {
+        remember(L"Endpoint", settings.endPoint);
+        remember(L"User", settings.userName);
+    }
+}
+
+void rememberColumns(const std::array<int, 3>& widths)
+{
+    remember(L"ColumnWidths", REG_BINARY, widths.data(), sizeof widths);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <stdexcept>
 #include <string>
 
@@ -11,6 +12,8 @@ struct Settings
     std::wstring password;
     std::wstring entityId;
     bool isAsset = false;
+    bool isTrial = false; ///< on the sandbox: nothing is remembered
+    std::array<int, 3> columnWidths{70, 230, 120};
 };
 
 /// The command line does not fit; `explanation` says what would.
@@ -22,6 +25,12 @@ struct WrongArguments : std::runtime_error
     std::wstring explanation;
 };
 
-/// Reads the process's command line.
+/// Reads what the user's last sessions have left, and the process's command line.
 /// @throws WrongArguments
 Settings readSettings();
+
+/// Keeps endpoint and user for the next start, in the user's part of the registry; never a password.
+void rememberServer(const Settings& settings);
+
+/// Keeps the widths of the list's columns.
+void rememberColumns(const std::array<int, 3>& widths);

@@ -1,99 +1,125 @@
 #include "TicketList.h"
-#include "Controls.h"
 
-#include <commctrl.h>
+#include <shlwapi.h>
 #include <uxtheme.h>
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 namespace
 {
 struct Column
 {
     const wchar_t* title;
-    int width;
     std::wstring TicketListEntry::*text;
 };
 
-constexpr int detailColumn = 2;
-const std::array<Column, 4> columns{{{L"Ticket", 70, &TicketListEntry::id},
-                                     {L"Subject", 230, &TicketListEntry::name},
-                                     {L"Detail", 0, &TicketListEntry::detail},
-                                     {L"Client", 120, &TicketListEntry::clientName}}};
-
-void setText(HWND list, int row, int column, const std::wstring& text)
-{
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.pszText = const_cast<wchar_t*>(text.c_str()); // only read
-    SendMessageW(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-}
-
-void addRow(HWND list, int row, const TicketListEntry& ticket)
-{
-    LVITEMW item{};
-    item.iItem = row;
-    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    for (std::size_t column = 0; column < columns.size(); ++column) {
-        setText(list, row, static_cast<int>(column), ticket.*columns[column].text);
-    }
-}
+const std::array<Column, 4> columns{{{L"Ticket", &TicketListEntry::id},
+                                     {L"Subject", &TicketListEntry::name},
+                                     {L"Client", &TicketListEntry::clientName},
+                                     {L"Detail", &TicketListEntry::detail}}};
+constexpr int lastColumn = 3;
+constexpr int smallestWidth = 100; ///< of the last column, in units of 1/96 inch
 } // namespace
 
-HWND TicketList::create(HWND parent, int id)
+TicketList::TicketList(HWND list, const Widths& widths) : m_list(list)
 {
-    HWND const list = createControl(
-        parent, WC_LISTVIEWW, L"", id,
-        LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER | WS_TABSTOP, WS_EX_CLIENTEDGE);
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
     SetWindowTheme(list, L"Explorer", nullptr);
-    for (std::size_t i = 0; i < columns.size(); ++i) {
+    for (int i = 0; i <= lastColumn; ++i) {
+        const auto index = static_cast<std::size_t>(i);
         LVCOLUMNW column{};
-        column.mask = LVCF_TEXT | LVCF_SUBITEM;
-        column.pszText = const_cast<wchar_t*>(columns[i].title); // only read
-        column.iSubItem = static_cast<int>(i);
-        SendMessageW(list, LVM_INSERTCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
+        column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
+        column.cx = pixels(i == lastColumn ? smallestWidth : widths[index]);
+        column.pszText = const_cast<wchar_t*>(columns[index].title); // only read
+        column.iSubItem = i;
+        SendMessageW(list, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
-    return list;
+    sort();
 }
 
-void TicketList::arrangeColumns(HWND list, const Layout& layout)
+void TicketList::fillWidth() const
 {
     RECT area{};
-    GetClientRect(list, &area);
+    GetClientRect(m_list, &area);
     int left = area.right;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const int width = layout.scaled(columns[i].width);
-        left -= width;
-        if (i != detailColumn) {
-            ListView_SetColumnWidth(list, static_cast<int>(i), width);
+    for (int i = 0; i < lastColumn; ++i) {
+        left -= ListView_GetColumnWidth(m_list, i);
+    }
+    ListView_SetColumnWidth(m_list, lastColumn, std::max(left, pixels(smallestWidth)));
+}
+
+TicketList::Widths TicketList::widths() const
+{
+    Widths widths{};
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        widths[i] = MulDiv(ListView_GetColumnWidth(m_list, static_cast<int>(i)), USER_DEFAULT_SCREEN_DPI,
+                           static_cast<int>(dpi()));
+    }
+    return widths;
+}
+
+void TicketList::show(std::vector<TicketListEntry> tickets, const std::wstring& selectedId)
+{
+    m_tickets = std::move(tickets);
+    sort();
+    select(selectedId);
+}
+
+void TicketList::sortBy(int column)
+{
+    const std::wstring selected = selectedId();
+    m_isDescending = column == m_sortColumn && !m_isDescending;
+    m_sortColumn = column;
+    sort();
+    select(selected);
+}
+
+/// Numbers in a text count as numbers: 999 comes before 1000.
+void TicketList::sort()
+{
+    const auto text = columns[static_cast<std::size_t>(m_sortColumn)].text;
+    std::stable_sort(m_tickets.begin(), m_tickets.end(),
+                     [this, text](const TicketListEntry& left, const TicketListEntry& right) {
+                         const int order = StrCmpLogicalW((left.*text).c_str(), (right.*text).c_str());
+                         return m_isDescending ? order > 0 : order < 0;
+                     });
+    HWND const header = ListView_GetHeader(m_list);
+    for (int i = 0; i <= lastColumn; ++i) {
+        HDITEMW item{};
+        item.mask = HDI_FORMAT;
+        item.fmt = HDF_LEFT | HDF_STRING;
+        if (i == m_sortColumn) {
+            item.fmt |= m_isDescending ? HDF_SORTDOWN : HDF_SORTUP;
         }
+        SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
     }
-    ListView_SetColumnWidth(list, detailColumn, std::max(left, layout.scaled(100)));
 }
 
-void TicketList::show(HWND list, const std::vector<TicketListEntry>& tickets, const std::wstring& selectedId)
+void TicketList::select(const std::wstring& id) const
 {
-    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
-    ListView_DeleteAllItems(list);
-    int selected = 0;
-    for (std::size_t i = 0; i < tickets.size(); ++i) {
-        const auto row = static_cast<int>(i);
-        addRow(list, row, tickets[i]);
-        selected = tickets[i].id == selectedId ? row : selected;
-    }
-    ListView_SetItemState(list, selected, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    ListView_EnsureVisible(list, selected, FALSE);
-    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    ListView_SetItemState(m_list, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    ListView_SetItemCount(m_list, m_tickets.size());
+    const auto found =
+        std::find_if(m_tickets.begin(), m_tickets.end(), [&](const auto& ticket) { return ticket.id == id; });
+    const int row = found == m_tickets.end() ? 0 : static_cast<int>(found - m_tickets.begin());
+    ListView_SetItemState(m_list, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    ListView_EnsureVisible(m_list, row, FALSE);
+    InvalidateRect(m_list, nullptr, TRUE);
 }
 
-std::wstring TicketList::selectedId(HWND list)
+void TicketList::answer(NMLVDISPINFOW& question) const
 {
-    const int row = ListView_GetNextItem(list, -1, LVNI_SELECTED);
-    std::array<wchar_t, 260> text{};
-    if (row >= 0) {
-        ListView_GetItemText(list, row, 0, text.data(), static_cast<int>(text.size()));
+    LVITEMW& item = question.item;
+    if ((item.mask & LVIF_TEXT) != 0) {
+        const auto& text = m_tickets.at(static_cast<std::size_t>(item.iItem)).*
+                           columns.at(static_cast<std::size_t>(item.iSubItem)).text;
+        item.pszText = const_cast<wchar_t*>(text.c_str()); // only read
     }
-    return text.data();
+}
+
+std::wstring TicketList::selectedId() const
+{
+    const int row = ListView_GetNextItem(m_list, -1, LVNI_SELECTED);
+    return row < 0 ? std::wstring() : m_tickets.at(static_cast<std::size_t>(row)).id;
 }

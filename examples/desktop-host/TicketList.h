@@ -1,24 +1,49 @@
 #pragma once
 
-#include "Layout.h"
+#include <windows.h>
+
+#include <commctrl.h>
 
 #include "TAVIKVANTRYAPI.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
-/// The list of tickets in the window.
-namespace TicketList
+/// The list of tickets in the window. The control holds nothing itself: it asks for each text that it shows.
+class TicketList
 {
-/// The control; `id` is its number.
-HWND create(HWND parent, int id);
+public:
+    /// Widths of the columns but the last, which has what the others leave; in units of 1/96 inch.
+    using Widths = std::array<int, 3>;
 
-/// Gives the columns their widths, the detail's what the others leave.
-void arrangeColumns(HWND list, const Layout& layout);
+    TicketList() = default;
+    TicketList(HWND list, const Widths& widths);
 
-/// Shows the tickets, with one of them selected: that of the given id, or else the first.
-void show(HWND list, const std::vector<TicketListEntry>& tickets, const std::wstring& selectedId);
+    void fillWidth() const;
+    Widths widths() const;
 
-/// Id of the selected ticket; empty if there is none.
-std::wstring selectedId(HWND list);
-} // namespace TicketList
+    /// Shows the tickets, with one of them selected: that of the given id, or else the first.
+    void show(std::vector<TicketListEntry> tickets, const std::wstring& selectedId);
+
+    /// Sorts by a column; once more by the same one: the other way round. What is shown later is sorted so,
+    /// too.
+    void sortBy(int column);
+
+    /// The control asks for a text.
+    void answer(NMLVDISPINFOW& question) const;
+
+    /// Id of the selected ticket; empty if there is none.
+    std::wstring selectedId() const;
+
+private:
+    UINT dpi() const { return GetDpiForWindow(m_list); }
+    int pixels(int width) const { return MulDiv(width, static_cast<int>(dpi()), USER_DEFAULT_SCREEN_DPI); }
+    void sort();
+    void select(const std::wstring& id) const;
+
+    HWND m_list = nullptr;
+    std::vector<TicketListEntry> m_tickets;
+    int m_sortColumn = 0;
+    bool m_isDescending = false;
+};

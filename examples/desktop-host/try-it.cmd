@@ -8,6 +8,10 @@ if not exist "%~dp0bin\vantry-sandbox.exe" (
     pause
     exit /b 1
 )
+echo This trial talks plain http: for https, a certificate would have to be installed on this computer, and try-it.cmd
+echo installs none. So the question about the server's certificate does not come; images\desktop-host-certificate.png
+echo shows it.
+echo.
 echo The desktop host is starting. To end, close its window; this one then closes, too.
 "%~dp0bin\vantry-sandbox.exe" -- "%~dp0bin\vantry-desktop-host.exe" --try
 if not %errorlevel% == 0 (

@@ -4,13 +4,20 @@
 #include <io.h>
 
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
-/// Runs an operation and tells whether it succeeded: without a window it returns when it has ended.
+/// Runs an operation and tells whether it succeeded: without a window it returns when it has ended. A list of
+/// an id that no address can carry throws instead.
 template <typename Operation>
 bool perform(const wchar_t* task, int successCode, Operation operation)
 {
-    operation();
+    try {
+        operation();
+    } catch (const std::exception& error) {
+        std::wcout << task << L": " << error.what() << std::endl;
+        return false;
+    }
     const ResponseStatus& response = GetLastResponse();
     std::wcout << task << L": " << response.httpStatusCode << L' ' << response.errorMessage << std::endl;
     return response.httpStatusCode == successCode;
@@ -30,11 +37,17 @@ int wmain(int argc, wchar_t** argv)
     const auto note = [] { SaveTechNote({GetCreatedTicketID(), L"Refilled.", 15, true}); };
     const auto file = [] { SaveAttachment({"Pages: 4711", L"counter.txt"}); };
     const auto list = [&] { RequestTicketList(argv[3], Client); };
-    const bool isOpen = perform(L"Session", 200, CreateSession);
-    const bool isDone = isOpen && perform(L"Ticket", 201, ticket) && perform(L"Note", 201, note) &&
-                        perform(L"File", 201, file) && perform(L"List", 200, list);
-    for (const auto& entry : GetTicketList()) {
-        std::wcout << entry.id << L' ' << entry.name << std::endl;
+    if (!perform(L"Session", 200, CreateSession)) {
+        return EXIT_FAILURE;
     }
-    return isOpen && perform(L"End", 200, CloseSession) && isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+    // Each step needs the one before: without it, the note would go to an earlier ticket, the file to an
+    // earlier note.
+    const bool isDone = perform(L"Ticket", 201, ticket) && perform(L"Note", 201, note) &&
+                        perform(L"File", 201, file) && perform(L"List", 200, list);
+    if (isDone) {
+        for (const auto& entry : GetTicketList()) {
+            std::wcout << entry.id << L' ' << entry.name << std::endl;
+        }
+    }
+    return perform(L"End", 200, CloseSession) && isDone ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -61,6 +61,11 @@ bool HostWindow::isEnabled(int id) const
     return IsWindowEnabled(control(id)) != FALSE;
 }
 
+bool HostWindow::isVisible(int id) const
+{
+    return IsWindowVisible(control(id)) != FALSE;
+}
+
 HWND HostWindow::usableControl(int id) const
 {
     waitUntil("control " + std::to_string(id) + " to be enabled",
@@ -180,7 +185,7 @@ HostWindow DesktopHost::dialog() const
 
 bool DesktopHost::isBusy() const
 {
-    return IsWindowVisible(GetDlgItem(m_window.control(IDC_STATUS_BAR), IDC_PROGRESS)) != FALSE;
+    return m_window.isVisible(IDC_PROGRESS);
 }
 
 void DesktopHost::waitForStatus(const std::wstring& status) const
@@ -228,6 +233,18 @@ int DesktopHost::focus() const
     info.cbSize = sizeof info;
     GetGUIThreadInfo(GetWindowThreadProcessId(m_window.handle(), nullptr), &info);
     return GetDlgCtrlID(info.hwndFocus);
+}
+
+std::vector<int> DesktopHost::defaultButtons() const
+{
+    std::vector<int> ids;
+    for (HWND child = GetWindow(m_window.handle(), GW_CHILD); child != nullptr;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        if ((SendMessageW(child, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) != 0) {
+            ids.push_back(GetDlgCtrlID(child));
+        }
+    }
+    return ids;
 }
 
 /// What the system's shell posts when files are dropped. The host frees it.

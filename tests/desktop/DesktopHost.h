@@ -23,10 +23,13 @@ public:
     HWND control(int id) const;
     std::wstring text(int id) const;
     bool isEnabled(int id) const;
+    bool isVisible(int id) const;
     bool exists() const { return IsWindow(m_window) != FALSE; }
 
     void enter(int id, const std::wstring& text) const;
     void click(int id) const;
+    /// Uses an entry of the menu.
+    void choose(int id) const { PostMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
     /// Clicks, and waits for the window to go.
     void closeBy(int id) const;
     void close() const { PostMessageW(m_window, WM_CLOSE, 0, 0); }
@@ -81,6 +84,8 @@ public:
     void pressKey(WPARAM key) const;
     /// Number of the control that has the focus.
     int focus() const;
+    /// Those that are drawn as what Enter does.
+    std::vector<int> defaultButtons() const;
     void drop(const std::vector<std::filesystem::path>& files) const;
 
     DWORD exitCode() const { return m_process.exitCode(); }
