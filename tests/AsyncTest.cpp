@@ -2,6 +2,7 @@
 #include "platform/TestWindow.h"
 #include "support/VantryTest.h"
 
+#include <cstdlib>
 #include <future>
 #include <iostream>
 
@@ -217,6 +218,24 @@ TEST_F(Asynchronous, AtTheMessageTheHostMayChangeEverySettingAndStartTheNextCall
     }
     CreateSession();
     expectStatus(200, L"OK");
+}
+
+/// At another moment of the call each time.
+TEST_F(Asynchronous, AProcessMayEndWhileACallRunsOverHttps)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    useHttps();
+    CapturedLog::setLevel(log4cxx::Level::getOff());
+    const auto endDuringCall = [](std::chrono::milliseconds time) {
+        CreateSession();
+        std::this_thread::sleep_for(time);
+        std::exit(EXIT_SUCCESS);
+    };
+    const int ends = isWindows ? 5 : 20; // a process takes Wine long to start
+    for (int end = 0; end < ends; ++end) {
+        EXPECT_EXIT(endDuringCall(std::chrono::milliseconds(end)), testing::ExitedWithCode(EXIT_SUCCESS),
+                    "");
+    }
 }
 
 /// An answer with a number where a text belongs: without a window the exception would reach the host.
