@@ -137,8 +137,8 @@ void requireKnownWords(const json& row)
                            "note",   "only",    "over",       "probe",       "stage",    "text",
                            "ticket", "tickets", "ticketId",   "what",        "windows"});
     requireKnown(row.value("flags", std::vector<std::string>()),
-                 {"costly", "downloads", "large", "linuxOnly", "losesWindow", "orUsual", "silent", "text",
-                  "unsanitized", "waits", "withoutWindow"});
+                 {"costly", "downloads", "large", "linuxOnly", "losesWindow", "orUsual", "silent",
+                  "slowOnWindows", "text", "unsanitized", "waits", "withoutWindow"});
 }
 
 std::vector<Fault> readCatalogue()
