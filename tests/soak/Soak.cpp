@@ -43,11 +43,14 @@ struct Usage
 class Soak
 {
 public:
-    explicit Soak(int operations) : m_operations(operations)
+    Soak(int operations, bool renegotiating) : m_operations(operations), m_renegotiating(renegotiating)
     {
         trustAuthority(m_sandbox.authorityFile, m_sandbox.get("/ca.der"));
         SetCredentials(m_sandbox.user, m_sandbox.password);
-        SetValidateCertificateCallback([](const CERT_CONTEXT&) { return true; });
+        SetValidateCertificateCallback([leaf = m_sandbox.get("/leaf.der")](const CERT_CONTEXT& certificate) {
+            return leaf == std::string(certificate.pbCertEncoded,
+                                       certificate.pbCertEncoded + certificate.cbCertEncoded);
+        });
     }
 
     /// Whether what the operations used was given back.
@@ -91,8 +94,22 @@ private:
         }
     }
 
+    /// The next probe's answer stays unfinished, and its connection shows another certificate again and
+    /// again.
+    void planRenegotiation() const
+    {
+        m_sandbox.planConnection({{"tls", "1.2"}, {"secure", true}});
+        m_sandbox.plan(
+            Answer::script({{"HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<html>"}, {"", 1, 40, "other"}},
+                           "stay")
+                .to("/"));
+    }
+
     void perform(const Operation& operation)
     {
+        if (m_renegotiating) {
+            planRenegotiation();
+        }
         operation.start();
         if (m_awaited != nullptr && !m_awaited->next(std::chrono::seconds(60))) {
             throw std::runtime_error(narrow(operation.exportName) + " sends no message");
@@ -106,6 +123,7 @@ private:
     }
 
     const int m_operations;
+    const bool m_renegotiating;
     const Sandbox m_sandbox;
     TestWindow m_window;
     TestWindow* m_awaited = nullptr;
@@ -114,9 +132,12 @@ private:
 
 int main(int argc, char** argv)
 {
-    const int operations = argc == 2 ? std::atoi(argv[1]) : 0;
-    if (operations <= 0) {
-        std::cerr << "usage: vantry-soak OPERATIONS\n";
+    const int operations = argc >= 2 ? std::atoi(argv[1]) : 0;
+    const bool renegotiating = argc == 3 && std::string(argv[2]) == "renegotiating";
+    if (operations <= 0 || (argc != 2 && !renegotiating)) {
+        std::cerr << "usage: vantry-soak OPERATIONS [renegotiating]\n"
+                     "  renegotiating  over https alone, against a server that leaves each probe's answer\n"
+                     "                 unfinished and renegotiates with another certificate\n";
         return 64;
     }
     try {
@@ -124,11 +145,13 @@ int main(int argc, char** argv)
         std::cout
             << "| endpoint | window | operations | time | memory | threads | handles or descriptors | |\n"
                "|---|---|---|---|---|---|---|---|\n";
-        Soak soak(operations);
+        Soak soak(operations, renegotiating);
         bool flat = true;
         for (const bool secure : {false, true}) {
             for (const bool withWindow : {false, true}) {
-                flat = soak.run(secure, withWindow) && flat;
+                if (secure || !renegotiating) {
+                    flat = soak.run(secure, withWindow) && flat;
+                }
             }
         }
         return flat ? 0 : 1;
