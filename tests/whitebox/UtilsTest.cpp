@@ -1,4 +1,5 @@
 #include "Addresses.h"
+#include "ErrorText.h"
 #include "GuardedCall.h"
 #include "ModuleTexts.h"
 
@@ -68,6 +69,10 @@ TEST(GuardedCall, MapsWhateverIsThrown)
     const web::http::http_exception httpError(5, "what");
     const auto narrowText = httpError.error_code().message();
     const std::wstring codeText(narrowText.begin(), narrowText.end());
+    constexpr int withoutText =
+        isWindows ? 12157 : 0x0A000086; // in Wine and on Linux: an untrusted certificate
+    const web::http::http_exception untrusted(withoutText, "what");
+    const auto ownText = Platform::errorText(untrusted.error_code());
     const std::vector<GuardedMethod> table{
         {[] {
              return ServerAnswer{{204, L"m"}, {}};
@@ -80,6 +85,11 @@ TEST(GuardedCall, MapsWhateverIsThrown)
          600,
          codeText,
          {L"http_exception happened: what", L"Error Code: 5; Message: " + codeText}},
+        {throwing(untrusted),
+         600,
+         ownText,
+         {L"http_exception happened: what",
+          L"Error Code: " + std::to_wstring(withoutText) + L"; Message: " + ownText}},
         {throwing(web::uri_exception(inThreadCodePage(L"bad \u00E9"))),
          600,
          L"bad \u00E9",
