@@ -2,16 +2,56 @@
 #include "documented/Places.h"
 #include "support/VantryTest.h"
 
-#include <map>
+#include <vantry.hpp>
 
-std::vector<ResponseStatus> reportFire(const Attachment& photo);
+#include <map>
+#include <ostream>
+
+void reportFire(const std::string& photo);                       // the README's
+std::vector<ResponseStatus> reportFire(const Attachment& photo); // the hosts' page's
 
 namespace
 {
+/// How many certificates are accepted before one is refused.
+std::size_t accepted = 0;
+
+struct Example
+{
+    std::string name;
+    bool (*reports)(const std::string& photo); ///< without a failure
+    void (*asksAboutCertificates)();           ///< from now on
+};
+
+const std::vector<Example> examples{
+    {"OfTheReadme",
+     [](const std::string& photo) {
+         try {
+             reportFire(photo);
+             return true;
+         } catch (const vantry::Error&) {
+             return false;
+         }
+     },
+     [] {
+         vantry_set_certificate_callback([](void*, const char*, const std::uint8_t*, std::size_t,
+                                            std::int32_t* trust) { *trust = accepted-- > 0 ? 1 : 0; },
+                                         nullptr);
+     }},
+    {"OfTheHostsPage",
+     [](const std::string& photo) {
+         return reportFire(Attachment{photo, L"photo.jpg"}).empty();
+     },
+     [] { SetValidateCertificateCallback([](const CERT_CONTEXT&) { return accepted-- > 0; }); }}};
+
+std::ostream& operator<<(std::ostream& out, const Example& example)
+{
+    return out << example.name;
+}
+
 /// The sizes of each note's files, by the notes' ids.
 using Files = std::map<int, std::vector<int>>;
 
-class Documents : public VantryTest
+class Documents : public VantryTest, public testing::WithParamInterface<Example>
 {
 protected:
     Documents()
@@ -38,7 +78,7 @@ protected:
     void reportEarlierFire()
     {
         sandbox.reset();
-        EXPECT_TRUE(reportFire({"earlier", L"photo.jpg"}).empty());
+        EXPECT_TRUE(GetParam().reports("earlier"));
         EXPECT_EQ(files(), (Files{{2001, {7}}}));
     }
 };
@@ -71,7 +111,7 @@ std::vector<std::string> failures(const std::string& otherSuccess)
 }
 } // namespace
 
-TEST_F(Documents, ReportingTellsOfEachStepThatFails)
+TEST_P(Documents, ReportingTellsOfEachStepThatFails)
 {
     for (std::size_t failing = 0; failing < steps.size(); ++failing) {
         const bool isOfSession = failing == 0 || failing == steps.size() - 1;
@@ -79,25 +119,27 @@ TEST_F(Documents, ReportingTellsOfEachStepThatFails)
             SCOPED_TRACE(steps[failing].name + ": " + failure);
             reportEarlierFire();
             sandbox.plan(Answer::bytes(failure).skip(static_cast<int>(failing)));
-            EXPECT_EQ(reportFire({"photo", L"photo.jpg"}).size(), 1U);
+            EXPECT_FALSE(GetParam().reports("photo"));
             EXPECT_EQ(files(), steps[failing].files);
         }
     }
 }
 
 /// Nothing of the step is sent then, so that the library keeps the note of before.
-TEST_F(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
+TEST_P(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
 {
     useHttps();
     Documented::endPoint = sandbox.https;
     for (std::size_t failing = 0; failing < steps.size(); ++failing) {
         SCOPED_TRACE(steps[failing].name);
-        SetValidateCertificateCallback({});
+        accepted = steps.size();
         reportEarlierFire();
-        std::size_t asked = 0;
-        SetValidateCertificateCallback([&](const CERT_CONTEXT&) { return asked++ != failing; });
-        EXPECT_EQ(reportFire({"photo", L"photo.jpg"}).size(), 1U);
+        accepted = failing;
+        GetParam().asksAboutCertificates();
+        EXPECT_FALSE(GetParam().reports("photo"));
         EXPECT_EQ(files(), steps[failing].files);
     }
-    SetValidateCertificateCallback({});
 }
+
+INSTANTIATE_TEST_SUITE_P(Example, Documents, testing::ValuesIn(examples),
+                         [](const auto& info) { return info.param.name; });

@@ -6,6 +6,12 @@
 
 namespace Documented
 {
+/// ASCII alone.
+inline std::string utf8(const std::wstring& place)
+{
+    return {place.begin(), place.end()};
+}
+
 inline std::wstring endPoint;
 inline std::wstring user;
 inline std::wstring password;
