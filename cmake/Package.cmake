@@ -33,6 +33,7 @@ install(DIRECTORY ${dependency_prefix}/include/log4cxx DESTINATION ${CMAKE_INSTA
 install(DIRECTORY ${log4cxx_DIR} DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake)
 install(TARGETS vantry-console-host)
 install(DIRECTORY examples/console-host examples/minimal-host DESTINATION examples)
+install(DIRECTORY bindings DESTINATION .)
 
 # The package has the pages in one folder, and the hosts' page as its README.
 foreach(page docs/for-hosts.md docs/faults.md SECURITY.md CHANGELOG.md)
