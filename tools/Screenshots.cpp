@@ -1,5 +1,5 @@
-// Brings the desktop host into the states that the documentation shows, and writes their pictures to the current
-// folder.
+// Brings the desktop host into the states that the documentation shows, and writes their pictures to the
+// current folder.
 #include "desktop/DesktopHost.h"
 #include "platform/PlatformSupport.h"
 #include "support/Sandbox.h"
@@ -24,7 +24,7 @@ void setFonts()
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     for (auto* font :
          {&metrics.lfCaptionFont, &metrics.lfMenuFont, &metrics.lfStatusFont, &metrics.lfMessageFont}) {
-        font->lfHeight = -MulDiv(9, static_cast<int>(GetDpiForSystem()), 72);
+        font->lfHeight = -24; // 9 points at 192 pixels per inch
         font->lfWeight = FW_NORMAL;
         std::wcscpy(font->lfFaceName, L"Segoe UI");
     }
@@ -44,7 +44,7 @@ void save(const std::wstring& name, const HostWindow& window)
     BitBlt(copy, 0, 0, size.cx, size.cy, screen, area.left, area.top, SRCCOPY);
     SelectObject(copy, previous);
     constexpr CLSID png{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-    if (Gdiplus::Bitmap(pixels, nullptr).Save((name + L".png").c_str(), &png) != Gdiplus::Ok) {
+    if (Gdiplus::Bitmap(pixels, nullptr).Save((name + L".png").c_str(), &png, nullptr) != Gdiplus::Ok) {
         throw std::runtime_error("cannot write a picture");
     }
     DeleteObject(pixels);
@@ -96,6 +96,7 @@ void showFailure(const Sandbox& sandbox)
 
 int main()
 {
+    SetProcessDPIAware();
     ULONG_PTR token = 0;
     const Gdiplus::GdiplusStartupInput startup;
     Gdiplus::GdiplusStartup(&token, &startup, nullptr);
