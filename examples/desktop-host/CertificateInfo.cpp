@@ -59,6 +59,6 @@ CertificateInfo readCertificate(const CERT_CONTEXT& certificate)
 {
     const CERT_INFO& info = *certificate.pCertInfo;
     return {nameText(info.Subject), nameText(info.Issuer),
-            L"from " + dayText(info.NotBefore) + L" to " + dayText(info.NotAfter),
+            L"from " + dayText(info.NotBefore) + L"\r\nuntil " + dayText(info.NotAfter),
             fingerprintText(certificate)};
 }

@@ -11,7 +11,7 @@ struct CertificateInfo
 {
     std::wstring subject;
     std::wstring issuer;
-    std::wstring validity;
+    std::wstring validity;    ///< two lines
     std::wstring fingerprint; ///< SHA-256 of the whole certificate
 };
 

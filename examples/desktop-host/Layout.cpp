@@ -34,9 +34,6 @@ constexpr std::array<Anchors, 18> controls{{{IDC_ENDPOINT, 0, 0, 100, 0},
                                             {IDC_LOG_LABEL, 0, 100, 0, 100},
                                             {IDC_LOG, 0, 100, 100, 100}}};
 
-constexpr std::size_t logLabel = 16;
-static_assert(controls[logLabel].id == IDC_LOG_LABEL && controls[logLabel + 1].id == IDC_LOG);
-
 RECT placeIn(HWND dialog, int id)
 {
     RECT place{};
@@ -59,6 +56,7 @@ Layout::Layout(HWND dialog)
     RECT outline{};
     GetWindowRect(dialog, &outline);
     m_dialogSize = {outline.right - outline.left, outline.bottom - outline.top};
+    m_logHeight = placeIn(dialog, IDC_LOG).bottom - placeIn(dialog, IDC_NEW_TICKET).bottom;
     for (const auto& control : controls) {
         m_places.push_back(placeIn(dialog, control.id));
     }
@@ -75,12 +73,12 @@ void Layout::arrange(bool hasLog) const
     const SIZE size = clientSize(m_dialog);
     const int wider = size.cx - scaled(m_clientSize.cx);
     const int higher = size.cy - scaled(m_clientSize.cy);
-    const int logHeight = scaled(m_places[logLabel + 1].bottom - m_places[logLabel].top);
     HDWP placing = BeginDeferWindowPos(static_cast<int>(controls.size()));
     for (std::size_t i = 0; i < controls.size(); ++i) {
         const Anchors& anchors = controls[i];
         const RECT& place = m_places[i];
-        const int below = higher + (hasLog || i >= logLabel ? 0 : logHeight);
+        const bool isOfLog = anchors.id == IDC_LOG || anchors.id == IDC_LOG_LABEL;
+        const int below = higher + (hasLog || isOfLog ? 0 : scaled(m_logHeight));
         const int left = scaled(place.left) + wider * anchors.left / 100;
         const int top = scaled(place.top) + below * anchors.top / 100;
         const int right = scaled(place.right) + wider * anchors.right / 100;

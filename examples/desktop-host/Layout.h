@@ -26,5 +26,6 @@ private:
     UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
     SIZE m_dialogSize{};
     SIZE m_clientSize{};
+    int m_logHeight = 0; ///< which the list has while the log is hidden
     std::vector<RECT> m_places;
 };

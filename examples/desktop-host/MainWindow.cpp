@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace
@@ -41,11 +42,25 @@ void registerClass()
     }
 }
 
-bool isUnencrypted(const std::wstring& endPoint)
+bool startsWith(const std::wstring& text, std::wstring_view start, bool isCaseIgnored)
 {
-    constexpr std::wstring_view http = L"http:";
-    return CompareStringOrdinal(endPoint.substr(0, http.size()).c_str(), -1, http.data(), -1, TRUE) ==
-           CSTR_EQUAL;
+    const auto length = static_cast<int>(start.size());
+    return text.size() >= start.size() && CompareStringOrdinal(text.c_str(), length, start.data(), length,
+                                                               isCaseIgnored ? TRUE : FALSE) == CSTR_EQUAL;
+}
+
+const wchar_t* warningOf(const std::wstring& endPoint, bool isTrial)
+{
+    if (startsWith(endPoint, L"http:", true)) {
+        return isTrial
+                   ? L"A trial on this computer, over plain http: for https a certificate would have to be "
+                     L"installed."
+                   : L"Not encrypted: anyone on the way can read the password and all texts. Use https.";
+    }
+    if (startsWith(endPoint, L"https:", true) && !startsWith(endPoint, L"https:", false)) {
+        return L"Write https in small letters: else the server's certificate is not checked.";
+    }
+    return L"";
 }
 } // namespace
 
@@ -173,13 +188,8 @@ void MainWindow::control(int id, int event)
     if (event == EN_SETFOCUS || event == BN_SETFOCUS) {
         chooseDefault();
     } else if (id == IDC_ENDPOINT && event == EN_CHANGE) {
-        const wchar_t* const warning =
-            m_initial.isTrial ? L"A trial on this computer, over plain http: for https a certificate would "
-                                L"have to be installed."
-                              : L"Not encrypted: anyone on the way can read the password and all texts. Use "
-                                L"https.";
         SetDlgItemTextW(m_window, IDC_ENDPOINT_HINT,
-                        isUnencrypted(controlText(m_window, IDC_ENDPOINT)) ? warning : L"");
+                        warningOf(controlText(m_window, IDC_ENDPOINT), m_initial.isTrial));
     } else if (event == 0 || event == 1) {
         command(id);
     }
@@ -288,7 +298,7 @@ void MainWindow::updateControls()
     }
     const bool canAttach = m_commands->isAllowed(IDC_ATTACH_FILE);
     DragAcceptFiles(m_window, canAttach ? TRUE : FALSE);
-    const std::wstring hint = L"to ticket " + m_commands->notedTicket() + L"'s note; or drop them here";
+    const std::wstring hint = L"to the note on ticket " + m_commands->notedTicket() + L", or drop them";
     SetDlgItemTextW(m_window, IDC_FILE_HINT, canAttach ? hint.c_str() : L"");
 }
 

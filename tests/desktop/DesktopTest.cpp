@@ -12,6 +12,7 @@
 #include <wincrypt.h>
 
 #include <fstream>
+#include <map>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -315,14 +316,18 @@ TEST_F(Desktop, AProxysPageIsNotTakenForAServerOutOfReach)
     EXPECT_NE(message.find("a proxy's page or another website"), std::string::npos) << message;
 }
 
-TEST_F(Desktop, WarnsThatHttpIsNotEncrypted)
+TEST_F(Desktop, WarnsOfAnEndpointThatIsNotSecure)
 {
     startOnHttp();
-    for (const auto& [endPoint, isWarned] : std::vector<std::pair<const wchar_t*, bool>>{
-             {L"https://desk.example.com", false}, {L"HTTP://desk.example.com", true}, {L"", false}}) {
+    for (const auto& [endPoint, warning] :
+         std::map<std::wstring, std::string>{{L"https://desk.example.com", ""},
+                                             {L"HTTP://desk.example.com", "Not encrypted"},
+                                             {L"Https://desk.example.com", "Write https in small letters"},
+                                             {L"", ""}}) {
         host->window().enter(IDC_ENDPOINT, endPoint);
-        EXPECT_EQ(host->window().text(IDC_ENDPOINT_HINT).find(L"Not encrypted") == 0, isWarned)
-            << narrow(endPoint);
+        const auto hint = narrow(host->window().text(IDC_ENDPOINT_HINT));
+        EXPECT_EQ(hint.substr(0, warning.size()), warning) << narrow(endPoint);
+        EXPECT_EQ(hint.empty(), warning.empty()) << narrow(endPoint);
     }
 }
 
