@@ -214,10 +214,10 @@ private:
     std::exception_ptr m_failure;
 };
 
-BoundedExchange::BoundedExchange(const web::uri& base, web::http::client::http_client_config config,
+BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_config config,
                                  web::http::http_request request, const ExchangeLimits& limits, Reader reader)
 {
-    auto connection = Platform::watchConnection(config, base.scheme() == U("https"));
+    auto connection = Platform::watchConnection(config, base, request);
     m_state = std::make_shared<State>(limits, std::move(connection), request.headers().content_length());
     request.set_progress_handler(
         [state = m_state](message_direction::direction direction, utility::size64_t size) {

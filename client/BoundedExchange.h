@@ -23,7 +23,7 @@ public:
     using Reader = std::function<ServerAnswer(web::http::http_response&)>;
 
     /// Begins to send `request` to `base` through a client of its own.
-    BoundedExchange(const web::uri& base, web::http::client::http_client_config config,
+    BoundedExchange(web::uri base, web::http::client::http_client_config config,
                     web::http::http_request request, const ExchangeLimits& limits, Reader reader);
 
     /// Whatever has not come of the answer is not read on.

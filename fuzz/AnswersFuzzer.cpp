@@ -45,7 +45,7 @@ Transcript outcome(unsigned char operation, std::string_view answer, const log4c
     Transcript transcript;
     fuzz::logAt(level);
     CVantryApi client;
-    fuzz::setUp(client, L"http://server/rest", L"technician", L"wr\u00E9nch & hammer");
+    fuzz::setUp(client, L"http://127.0.0.1/rest", L"technician", L"wr\u00E9nch & hammer");
     const auto run = [&](unsigned char next, std::string_view bytes) {
         fuzz::setServer([&](const http_request& request) {
             const auto target = fuzz::targetOf(request);

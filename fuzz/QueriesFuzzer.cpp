@@ -88,7 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     fuzz::logAt(log4cxx::Level::getTrace());
     CVantryApi client;
-    fuzz::setUp(client, L"http://server/rest", userName, password);
+    fuzz::setUp(client, L"http://127.0.0.1/rest", userName, password);
     const auto target = targetSentBy(client, [](CVantryApi& used) { used.wrpCreateSession(); });
     fuzz::require(target.empty() == !(isWellFormed(userName) && isWellFormed(password)),
                   "malformed text is sent, or text is not");

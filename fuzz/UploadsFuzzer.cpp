@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     fuzz::logAt(log4cxx::Level::getTrace());
     CVantryApi client;
-    fuzz::setUp(client, L"http://server/rest", userName, L"wrench");
+    fuzz::setUp(client, L"http://127.0.0.1/rest", userName, L"wrench");
     openSession(client, key);
     const auto sent = upload(client, {content, fileName});
     fuzz::requireSecrecy();

@@ -33,8 +33,8 @@ public:
     virtual void end() = 0;
 };
 
-/// The connection of the one request that a client of `config` is going to send; `secure` says whether over
-/// TLS.
+/// The connection of `request`, which a client of `config` is about to send to `base`. Both may be changed to
+/// say the same by other means.
 std::shared_ptr<RequestConnection> watchConnection(web::http::client::http_client_config& config,
-                                                   bool secure);
+                                                   web::uri& base, web::http::http_request& request);
 } // namespace Platform

@@ -7,12 +7,13 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <list>
 #include <string>
 
 namespace sandbox
 {
-/// A port on the loopback interface, chosen by the system. It is open from construction on; connections are
-/// served from start() on.
+/// A port on the loopback interface, by IPv4 and, where there is one, by IPv6: a client may try either first.
+/// The system chooses it. It is open from construction on; connections are served from start() on.
 class Listener
 {
 public:
@@ -25,11 +26,17 @@ public:
     void start(Service& service, CertificateAuthority* authority = nullptr);
 
 private:
-    void accept();
+    /// An address's side of the port.
+    struct Side
+    {
+        boost::asio::ip::tcp::acceptor acceptor;
+        boost::asio::steady_timer timer;
+    };
+
+    void accept(Side& side);
     void serve(boost::asio::ip::tcp::socket socket);
 
-    boost::asio::ip::tcp::acceptor m_acceptor;
-    boost::asio::steady_timer m_timer;
+    std::list<Side> m_sides;
     Service* m_service = nullptr;
     CertificateAuthority* m_authority = nullptr;
 };

@@ -4,13 +4,16 @@
 #include <boost/asio/ssl/stream.hpp>
 
 #include <fcntl.h>
+#include <netdb.h>
 #include <netinet/tcp.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <array>
+#include <memory>
 #include <mutex>
+#include <string>
 
 namespace
 {
@@ -36,7 +39,7 @@ public:
     SocketConnection& operator=(const SocketConnection&) = delete;
     SocketConnection& operator=(SocketConnection&&) = delete;
 
-    /// Lives as long as the REST SDK works on the request.
+    /// Null: none is known. Each has to live until the next one is named, or the request has ended.
     void use(tcp::socket* socket)
     {
         const std::lock_guard lock(m_mutex);
@@ -79,17 +82,71 @@ private:
     tcp::socket* m_socket = nullptr;
     int m_descriptor = -1;
 };
+
+/// The address of `host`, if it has exactly one by IPv4.
+std::optional<std::string> onlyAddressOf(const std::string& host)
+{
+    addrinfo wanted{};
+    wanted.ai_family = AF_INET;
+    wanted.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) != 0) { // the REST SDK will say so
+        return std::nullopt;
+    }
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, &freeaddrinfo);
+    std::array<char, INET_ADDRSTRLEN> text{};
+    if (found->ai_next != nullptr || getnameinfo(found->ai_addr, found->ai_addrlen, text.data(), text.size(),
+                                                 nullptr, 0, NI_NUMERICHOST) != 0) {
+        return std::nullopt;
+    }
+    return text.data();
+}
+
+/// Where an address refuses, the REST SDK replaces the socket by that for the name's next one, unannounced: a
+/// plain connection is seen if there is one address alone.
+bool leaveOneAddress(web::uri& base, web::http::http_request& request)
+{
+    const auto address = onlyAddressOf(base.host());
+    if (!address) {
+        return false;
+    }
+    if (*address != base.host()) {
+        request.headers()["Host"] =
+            base.is_port_default() ? base.host() : base.host() + ":" + std::to_string(base.port());
+        base = web::uri_builder(base).set_host(*address).to_uri();
+    }
+    return true;
+}
+
+/// Over TLS, the context of the next connection is made before the one before it goes.
+void forgetReplaced(web::http::client::http_client_config& config,
+                    const std::shared_ptr<SocketConnection>& connection)
+{
+    config.set_ssl_context_callback([connection, prepare = config.get_ssl_context_callback()](auto& context) {
+        connection->use(nullptr);
+        prepare(context);
+    });
+}
 } // namespace
 
 std::shared_ptr<Platform::RequestConnection>
-Platform::watchConnection(web::http::client::http_client_config& config, bool secure)
+Platform::watchConnection(web::http::client::http_client_config& config, web::uri& base,
+                          web::http::http_request& request)
 {
     auto connection = std::make_shared<SocketConnection>();
-    const bool overTls =
-        secure && !config.proxy().is_specified(); // how the REST SDK decides what it hands out
-    config.set_nativehandle_options([connection, overTls](web::http::client::native_handle handle) {
-        connection->use(overTls ? &static_cast<boost::asio::ssl::stream<tcp::socket&>*>(handle)->next_layer()
-                                : static_cast<tcp::socket*>(handle));
-    });
+    if (config.proxy().is_specified()) {
+        return connection; // unseen: its address is not the server's
+    }
+    if (base.scheme() == "https") {
+        forgetReplaced(config, connection);
+        config.set_nativehandle_options([connection](web::http::client::native_handle handle) {
+            using TlsStream = boost::asio::ssl::stream<tcp::socket&>;
+            connection->use(&static_cast<TlsStream*>(handle)->next_layer());
+        });
+    } else if (leaveOneAddress(base, request)) {
+        config.set_nativehandle_options([connection](web::http::client::native_handle handle) {
+            connection->use(static_cast<tcp::socket*>(handle));
+        });
+    }
     return connection;
 }

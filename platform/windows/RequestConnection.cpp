@@ -14,7 +14,8 @@ public:
 } // namespace
 
 std::shared_ptr<Platform::RequestConnection>
-Platform::watchConnection(web::http::client::http_client_config& /*config*/, bool /*secure*/)
+Platform::watchConnection(web::http::client::http_client_config& /*config*/, web::uri& /*base*/,
+                          web::http::http_request& /*request*/)
 {
     return std::make_shared<UnseenConnection>();
 }
