@@ -31,16 +31,17 @@ void Platform::wantCertificate(HINTERNET request, const SharedHook& hook)
 bool Platform::showCertificate(HINTERNET request)
 {
     const auto hook = hookOf(request);
+    if (!hook) {
+        return true;
+    }
     PCCERT_CONTEXT leaf = nullptr;
     DWORD size = sizeof(leaf);
-    // ERROR_WINHTTP_INCORRECT_HANDLE_STATE: no TLS, or not yet (a proxy's CONNECT; another notification
-    // follows); ERROR_WINHTTP_INCORRECT_HANDLE_TYPE, ERROR_INSUFFICIENT_BUFFER: not for a request and this
-    // size
-    if (!hook || WinHttpQueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, &leaf, &size) == FALSE ||
-        leaf == nullptr) {
-        return true;
+    if (WinHttpQueryOption(request, WINHTTP_OPTION_SERVER_CERT_CONTEXT, &leaf, &size) == FALSE) {
+        // No TLS yet: a proxy's CONNECT; another notification follows. Any other error, as
+        // ERROR_NOT_ENOUGH_MEMORY, leaves the server unknown.
+        return GetLastError() == ERROR_WINHTTP_INCORRECT_HANDLE_STATE;
     }
     const std::unique_ptr<const CERT_CONTEXT, BOOL(WINAPI*)(PCCERT_CONTEXT)> certificate(
         leaf, &CertFreeCertificateContext);
-    return (*hook)(*certificate);
+    return leaf != nullptr && (*hook)(*certificate);
 }
