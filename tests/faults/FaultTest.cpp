@@ -350,7 +350,10 @@ private:
         if (fault.is("withoutWindow")) {
             return; // an operation of the callback's own is among them
         }
-        const bool arrives = fault.stage == "exchange" || (fault.leaves.empty() && statusOf(cell) < 600);
+        // Wine may send a request whose handle is closed in the last notification before.
+        const bool wineSends = isWindows && fault.stage == "connection" && statusOf(cell) == 601;
+        const bool arrives =
+            fault.stage == "exchange" || wineSends || (fault.leaves.empty() && statusOf(cell) < 600);
         if (succeeds(cell) && fault.leaves.empty()) {
             EXPECT_EQ(sent.size(), 1U);
         } else {
