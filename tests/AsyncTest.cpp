@@ -233,8 +233,7 @@ TEST_F(Asynchronous, AProcessMayEndWhileACallRunsOverHttps)
     };
     const int ends = isWindows ? 5 : 20; // a process takes Wine long to start
     for (int end = 0; end < ends; ++end) {
-        EXPECT_EXIT(endDuringCall(std::chrono::milliseconds(end)), testing::ExitedWithCode(EXIT_SUCCESS),
-                    "");
+        EXPECT_EXIT(endDuringCall(std::chrono::milliseconds(end)), testing::ExitedWithCode(EXIT_SUCCESS), "");
     }
 }
 
