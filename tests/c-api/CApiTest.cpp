@@ -501,7 +501,7 @@ TEST_F(CApiTest, ATransferTellsItsProgressAndCanBeGivenUp)
     EXPECT_EQ(transferred.threads, std::set{std::this_thread::get_id()});
 
     transferred.limit = 0;
-    sandbox.plan(Answer(201, "{}").after(20'000)); // it would be time to look
+    sandbox.plan(Answer(201, "{}").after(3'000)); // it would be time to look
     const auto givenUp = saveAttachment(vantry_result_note_id(note.get()), content);
     expectStatus(givenUp, VANTRY_GIVEN_UP);
     EXPECT_STREQ(vantry_result_message(givenUp.get()), vantry_status_message(VANTRY_GIVEN_UP));
