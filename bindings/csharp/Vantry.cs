@@ -142,7 +142,8 @@ namespace Vantry
         /// <summary>Sets what takes the log's lines of this level and above.</summary>
         public void OnLog(LogLevel level, Action<LogLevel, string> callback)
         {
-            Native.LogCallback handOver = (user, lineLevel, line) => Guard(() => callback((LogLevel)lineLevel, Text(line)));
+            Native.LogCallback handOver =
+                (user, lineLevel, line) => Guard(() => callback((LogLevel)lineLevel, Text(line)));
             Install(ref installedLog, callback == null ? null : handOver,
                 set => Native.vantry_set_log_callback(set, IntPtr.Zero, (int)level));
         }

@@ -204,7 +204,8 @@ class Client {
     }
 }
 
-async function configure({ endpoint, userName, password, onCertificate, onProgress, onLog, logFile, logLevel = 'info' }) {
+async function configure(settings) {
+    const { endpoint, userName, password, onCertificate, onProgress, onLog, logFile, logLevel = 'info' } = settings;
     const level = LOG_LEVELS.indexOf(logLevel);
     await install('log', onLog && ((_user, lineLevel, line) => guard(() => onLog(LOG_LEVELS[lineLevel], line))), level);
     await setting(native.setLogFile, logFile === undefined ? null : text(logFile), level);

@@ -29,7 +29,8 @@ internal static class Checks
     private static void CheckLog(Client client, string password)
     {
         var lines = new List<string>();
-        client.OnLog(LogLevel.Trace, (level, line) => lines.Add(Enum.IsDefined(typeof(LogLevel), level) ? line : password));
+        client.OnLog(LogLevel.Trace,
+            (level, line) => lines.Add(Enum.IsDefined(typeof(LogLevel), level) ? line : password));
         client.CreateSession();
         Console.WriteLine("log: {0}, {1} with the password", lines.Count > 0 ? "lines" : "no lines",
             lines.Any(line => line.Contains(password)) ? "some" : "none");

@@ -23,7 +23,8 @@ async function checkLog() {
     const lines = [];
     await vantry.use({ ...connection, onLog: (...line) => lines.push(line), logLevel: 'trace' },
         (client) => client.session(() => {}));
-    const known = lines.length > 0 && lines.every(([level]) => ['trace', 'debug', 'info', 'warn', 'error'].includes(level));
+    const levels = ['trace', 'debug', 'info', 'warn', 'error', 'fatal'];
+    const known = lines.length > 0 && lines.every(([level]) => levels.includes(level));
     const secret = lines.some(([, line]) => line.includes(connection.password));
     console.log(`log: ${known ? 'lines' : 'no lines'}, ${secret ? 'some' : 'none'} with the password`);
     let calm = true;
