@@ -96,14 +96,24 @@ public:
         }
     }
 
-    void finish(const pplx::task<http_response>& answered, const Reader& reader)
+    /// @throws what the REST SDK threw instead of giving an answer
+    http_response takeHead(const pplx::task<http_response>& answered)
+    {
+        auto response = answered.get();
+        const std::lock_guard lock(m_mutex);
+        m_headRead = true;
+        m_transfer.toReceive = response.headers().content_length();
+        m_body = response.content_ready();
+        return response;
+    }
+
+    template <typename Read>
+    void finish(const Read& read)
     {
         ServerAnswer answer;
         std::exception_ptr failure;
         try {
-            auto response = answered.get();
-            headArrived(response);
-            answer = reader(response);
+            answer = read();
         } catch (...) {
             failure = std::current_exception();
         }
@@ -151,14 +161,6 @@ public:
     }
 
 private:
-    void headArrived(const http_response& response)
-    {
-        const std::lock_guard lock(m_mutex);
-        m_headRead = true;
-        m_transfer.toReceive = response.headers().content_length();
-        m_body = response.content_ready();
-    }
-
     void requireWithinLimits()
     {
         if (m_body && m_body->is_done()) {
@@ -215,7 +217,8 @@ private:
 };
 
 BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_config config,
-                                 web::http::http_request request, const ExchangeLimits& limits, Reader reader)
+                                 web::http::http_request request, const ExchangeLimits& limits,
+                                 BodyWanted wanted, Reader reader)
 {
     auto connection = Platform::watchConnection(config, base, request);
     m_state = std::make_shared<State>(limits, std::move(connection), request.headers().content_length());
@@ -225,9 +228,32 @@ BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_c
         });
     web::http::client::http_client client(base, config);
     client.request(request).then(
-        [state = m_state, reader = std::move(reader)](const pplx::task<http_response>& answered) {
-            state->finish(answered, reader);
+        [state = m_state, wanted, reader = std::move(reader)](const pplx::task<http_response>& answered) {
+            readAnswer(state, wanted, reader, answered);
         });
+}
+
+void BoundedExchange::readAnswer(const std::shared_ptr<State>& state, BodyWanted wanted, const Reader& reader,
+                                 const pplx::task<http_response>& answered)
+{
+    http_response response;
+    try {
+        response = state->takeHead(answered);
+    } catch (...) {
+        state->finish([]() -> ServerAnswer { throw; });
+        return;
+    }
+    if (!wanted(response)) {
+        state->finish([&] { return reader(response); });
+        return;
+    }
+    response.content_ready().then([state, reader, response](const pplx::task<http_response>& body) mutable {
+        try {
+            body.wait(); // it is done
+        } catch (...) {  // the reader finds out; but a failure that nobody asks for ends the process
+        }
+        state->finish([&] { return reader(response); });
+    });
 }
 
 BoundedExchange::~BoundedExchange()

@@ -19,12 +19,17 @@ class BoundedExchange
 {
 public:
     /// Reads an answer on a thread of the REST SDK, perhaps after the wait has been given up: it must not
-    /// refer to anything that ends with the operation.
+    /// refer to anything that ends with the operation, nor wait, since at the end of the process nothing
+    /// comes.
     using Reader = std::function<ServerAnswer(web::http::http_response&)>;
+
+    /// Whether the reader is called when all of the body has come, or has failed; else it is called at once.
+    using BodyWanted = bool (*)(const web::http::http_response&);
 
     /// Begins to send `request` to `base` through a client of its own.
     BoundedExchange(web::uri base, web::http::client::http_client_config config,
-                    web::http::http_request request, const ExchangeLimits& limits, Reader reader);
+                    web::http::http_request request, const ExchangeLimits& limits, BodyWanted wanted,
+                    Reader reader);
 
     /// Whatever has not come of the answer is not read on.
     ~BoundedExchange();
@@ -42,6 +47,10 @@ public:
 
 private:
     class State;
+
+    static void readAnswer(const std::shared_ptr<State>& state, BodyWanted wanted, const Reader& reader,
+                           const pplx::task<web::http::http_response>& answered);
+
     std::shared_ptr<State> m_state;
 };
 } // namespace VantryIntegrationApi

@@ -123,11 +123,12 @@ ResponseStatus CVantryApi::probe(const LumoFunction& log)
     m_probe = probed;
     auto config = getClientConfig(true);
     LUMO_INFO(log, L"Used url: " << base << fromRestText(request.request_uri().to_string()));
-    BoundedExchange exchange(
-        web::uri(toRestText(base)), std::move(config), request, m_limits,
-        [](const web::http::http_response& response) {
-            return ServerAnswer{{response.status_code(), fromRestText(response.reason_phrase())}, {}};
-        });
+    const auto readNoBody = [](const web::http::http_response& /*response*/) { return false; };
+    const auto read = [](const web::http::http_response& response) {
+        return ServerAnswer{{response.status_code(), fromRestText(response.reason_phrase())}, {}};
+    };
+    BoundedExchange exchange(web::uri(toRestText(base)), std::move(config), request, m_limits, readNoBody,
+                             read);
     LUMO_DEBUG(log, L"Going to run task and get results.");
     return exchange.wait(m_transferWatcher).status;
 }

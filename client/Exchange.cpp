@@ -50,7 +50,7 @@ ServerAnswer CVantryApi::exchange(const LumoFunction& log, const uri& base,
         answer.body = reader(response);
         return answer;
     };
-    BoundedExchange exchange(base, std::move(config), request, m_limits, read);
+    BoundedExchange exchange(base, std::move(config), request, m_limits, &Utils::readsBody, read);
     LUMO_DEBUG(log, L"Going to run tasks and get results.");
     try {
         return exchange.wait(m_transferWatcher);

@@ -24,6 +24,16 @@ bool contains(const utility::string_t& text, const utility::char_t* part)
     return text.find(part) != utility::string_t::npos;
 }
 
+bool isJson(const utility::string_t& contentType)
+{
+    return contains(contentType, U("application/json"));
+}
+
+bool isText(const utility::string_t& contentType)
+{
+    return contains(contentType, U("text"));
+}
+
 /// The media type of a content type, without its parameters.
 utility::string_t mediaType(const utility::string_t& contentType)
 {
@@ -89,6 +99,13 @@ void traceBody(const http_response& response)
 }
 } // namespace
 
+bool readsBody(const http_response& response)
+{
+    const auto contentType = response.headers().content_type();
+    return isJson(contentType) || isText(contentType) ||
+           log4cxx::Logger::isTraceEnabledFor(CVantryApi::m_logger);
+}
+
 json::value handleResponse(http_response& response)
 {
     const LumoFunction log(CVantryApi::m_logger, "VantryIntegrationApi::Utils::handleResponse");
@@ -98,11 +115,11 @@ json::value handleResponse(http_response& response)
     LUMO_DEBUG(log, L"Server returned content-type: " << fromRestText(contentType) << L" Content-Length: "
                                                       << response.headers().content_length());
 
-    if (contains(contentType, U("application/json"))) {
+    if (isJson(contentType)) {
         LUMO_INFO(log, L"Trying to extract json");
         return extractJson(response, contentType);
     }
-    if (contains(contentType, U("text"))) {
+    if (isText(contentType)) {
         try {
             LUMO_DEBUG(log, L"Trying to get the string, and error message from server.");
             const auto text =

@@ -9,8 +9,11 @@
 
 namespace VantryIntegrationApi::Utils
 {
+/// Whether `handleResponse` reads the body of this answer.
+bool readsBody(const web::http::http_response& response);
+
 /// The JSON value of an answer's body, read by its content type alone; JSON null where it has no readable
-/// one. Waits for the body.
+/// one. Waits for a body that it reads.
 /// @throws std::exception if the body cannot be read or parsed
 web::json::value handleResponse(web::http::http_response& response);
 

@@ -33,51 +33,33 @@ void speakOnly(int tlsVersion, SSL& tls)
 } // namespace
 
 Listener::Listener(boost::asio::io_context& context)
-{
-    using boost::asio::steady_timer;
-    namespace ip = boost::asio::ip;
-    for (bool bothAgree = false; !bothAgree;) {
-        m_sides.clear();
-        m_sides.push_back({{context, tcp::endpoint(ip::address_v4::loopback(), 0)}, steady_timer(context)});
-        tcp::acceptor byIpv6(context);
-        boost::system::error_code error;
-        const tcp::endpoint endpoint(ip::address_v6::loopback(),
-                                     m_sides.front().acceptor.local_endpoint().port());
-        if (byIpv6.open(tcp::v6(), error) || byIpv6.bind(endpoint, error) || byIpv6.listen(128, error)) {
-            bothAgree = error != boost::asio::error::address_in_use; // else there is no IPv6
-        } else {
-            bothAgree = true;
-            m_sides.push_back({std::move(byIpv6), steady_timer(context)});
-        }
-    }
-}
+    : m_acceptor(context, tcp::endpoint(boost::asio::ip::address_v4::loopback(), 0)), m_timer(context)
+{}
 
 std::string Listener::address(const std::string& scheme) const
 {
-    return scheme + "://localhost:" + std::to_string(m_sides.front().acceptor.local_endpoint().port());
+    return scheme + "://localhost:" + std::to_string(m_acceptor.local_endpoint().port());
 }
 
 void Listener::start(Service& service, CertificateAuthority* authority)
 {
     m_service = &service;
     m_authority = authority;
-    for (auto& side : m_sides) {
-        accept(side);
-    }
+    accept();
 }
 
-void Listener::accept(Side& side)
+void Listener::accept()
 {
-    side.acceptor.async_accept([this, &side](boost::system::error_code error, tcp::socket socket) {
+    m_acceptor.async_accept([this](boost::system::error_code error, tcp::socket socket) {
         if (!error) {
             serve(std::move(socket));
-            accept(side);
+            accept();
             return;
         }
         // What fails here (no descriptor left, as a rule) fails again at once; waiting gives connections time
         // to end.
-        side.timer.expires_after(acceptPause);
-        side.timer.async_wait([this, &side](boost::system::error_code) { accept(side); });
+        m_timer.expires_after(acceptPause);
+        m_timer.async_wait([this](boost::system::error_code) { accept(); });
     });
 }
 

@@ -7,13 +7,12 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
-#include <list>
 #include <string>
 
 namespace sandbox
 {
-/// A port on the loopback interface, by IPv4 and, where there is one, by IPv6: a client may try either first.
-/// The system chooses it. It is open from construction on; connections are served from start() on.
+/// A port on the loopback interface, chosen by the system. It is open from construction on; connections are
+/// served from start() on.
 class Listener
 {
 public:
@@ -26,17 +25,11 @@ public:
     void start(Service& service, CertificateAuthority* authority = nullptr);
 
 private:
-    /// An address's side of the port.
-    struct Side
-    {
-        boost::asio::ip::tcp::acceptor acceptor;
-        boost::asio::steady_timer timer;
-    };
-
-    void accept(Side& side);
+    void accept();
     void serve(boost::asio::ip::tcp::socket socket);
 
-    std::list<Side> m_sides;
+    boost::asio::ip::tcp::acceptor m_acceptor;
+    boost::asio::steady_timer m_timer;
     Service* m_service = nullptr;
     CertificateAuthority* m_authority = nullptr;
 };

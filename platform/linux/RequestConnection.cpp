@@ -39,11 +39,11 @@ public:
     SocketConnection& operator=(const SocketConnection&) = delete;
     SocketConnection& operator=(SocketConnection&&) = delete;
 
-    /// Null: none is known. Each has to live until the next one is named, or the request has ended.
-    void use(tcp::socket* socket)
+    /// Has to live until the request has ended.
+    void use(tcp::socket& socket)
     {
         const std::lock_guard lock(m_mutex);
-        m_socket = socket;
+        m_socket = &socket;
     }
 
     void opened() override
@@ -83,6 +83,13 @@ private:
     int m_descriptor = -1;
 };
 
+std::string textOf(const addrinfo& address)
+{
+    std::array<char, INET_ADDRSTRLEN> text{};
+    getnameinfo(address.ai_addr, address.ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST);
+    return text.data();
+}
+
 /// The address of `host`, if it has exactly one by IPv4.
 std::optional<std::string> onlyAddressOf(const std::string& host)
 {
@@ -94,59 +101,45 @@ std::optional<std::string> onlyAddressOf(const std::string& host)
         return std::nullopt;
     }
     const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, &freeaddrinfo);
-    std::array<char, INET_ADDRSTRLEN> text{};
-    if (found->ai_next != nullptr || getnameinfo(found->ai_addr, found->ai_addrlen, text.data(), text.size(),
-                                                 nullptr, 0, NI_NUMERICHOST) != 0) {
-        return std::nullopt;
+    const auto address = textOf(*found);
+    // A hosts file that has the name by IPv6, too, gives the same one twice.
+    for (const auto* next = found->ai_next; next != nullptr; next = next->ai_next) {
+        if (textOf(*next) != address) {
+            return std::nullopt;
+        }
     }
-    return text.data();
+    return address;
 }
 
-/// Where an address refuses, the REST SDK replaces the socket by that for the name's next one, unannounced: a
-/// plain connection is seen if there is one address alone.
-bool leaveOneAddress(web::uri& base, web::http::http_request& request)
+tcp::socket& socketOf(web::http::client::native_handle handle, bool overTls)
 {
-    const auto address = onlyAddressOf(base.host());
-    if (!address) {
-        return false;
-    }
-    if (*address != base.host()) {
-        request.headers()["Host"] =
-            base.is_port_default() ? base.host() : base.host() + ":" + std::to_string(base.port());
-        base = web::uri_builder(base).set_host(*address).to_uri();
-    }
-    return true;
-}
-
-/// Over TLS, the context of the next connection is made before the one before it goes.
-void forgetReplaced(web::http::client::http_client_config& config,
-                    const std::shared_ptr<SocketConnection>& connection)
-{
-    config.set_ssl_context_callback([connection, prepare = config.get_ssl_context_callback()](auto& context) {
-        connection->use(nullptr);
-        prepare(context);
-    });
+    using TlsStream = boost::asio::ssl::stream<tcp::socket&>;
+    return overTls ? static_cast<TlsStream*>(handle)->next_layer() : *static_cast<tcp::socket*>(handle);
 }
 } // namespace
 
+// Where an address refuses, the REST SDK replaces the socket that it has handed out by one for the name's
+// next address, unannounced. So a connection is seen if there is one address alone, and the REST SDK is given
+// that one.
 std::shared_ptr<Platform::RequestConnection>
 Platform::watchConnection(web::http::client::http_client_config& config, web::uri& base,
                           web::http::http_request& request)
 {
     auto connection = std::make_shared<SocketConnection>();
-    if (config.proxy().is_specified()) {
-        return connection; // unseen: its address is not the server's
+    const auto address = onlyAddressOf(base.host());
+    if (!address || config.proxy().is_specified()) { // a proxy's address is not the server's
+        return connection;
     }
-    if (base.scheme() == "https") {
-        forgetReplaced(config, connection);
-        config.set_nativehandle_options([connection](web::http::client::native_handle handle) {
-            using TlsStream = boost::asio::ssl::stream<tcp::socket&>;
-            connection->use(&static_cast<TlsStream*>(handle)->next_layer());
+    const bool overTls = base.scheme() == "https";
+    const auto name = base.host();
+    const auto host = base.is_port_default() ? name : name + ":" + std::to_string(base.port());
+    base = web::uri_builder(base).set_host(*address).to_uri();
+    // The name that the certificate has to be for, as the REST SDK takes it when it makes the connection.
+    request.headers()["Host"] = name;
+    config.set_nativehandle_options(
+        [connection, request, host, overTls](web::http::client::native_handle handle) mutable {
+            connection->use(socketOf(handle, overTls));
+            request.headers()["Host"] = host; // as it is sent
         });
-    } else if (leaveOneAddress(base, request)) {
-        config.set_nativehandle_options([connection](web::http::client::native_handle handle) {
-            connection->use(static_cast<tcp::socket*>(handle));
-        });
-    }
     return connection;
 }
