@@ -64,6 +64,11 @@ std::uint64_t onTheWire(std::uint64_t size)
 
 namespace VantryIntegrationApi
 {
+pplx::task<utility::size64_t> bodyOf(const http_response& response)
+{
+    return pplx::create_task(response._get_impl()->_get_data_available());
+}
+
 /// Shared by the operation's thread and those of the REST SDK.
 class BoundedExchange::State
 {
@@ -103,29 +108,24 @@ public:
         const std::lock_guard lock(m_mutex);
         m_headRead = true;
         m_transfer.toReceive = response.headers().content_length();
-        m_body = response.content_ready();
+        if (!m_givenUp) {
+            m_response = response;
+        }
         return response;
     }
 
-    template <typename Read>
-    void finish(const Read& read)
+    /// When the wait is over.
+    http_response& response() { return m_response; }
+
+    void finish(std::exception_ptr failure = nullptr)
     {
-        ServerAnswer answer;
-        std::exception_ptr failure;
-        try {
-            answer = read();
-        } catch (...) {
-            failure = std::current_exception();
-        }
         const std::lock_guard lock(m_mutex);
-        m_answer = std::move(answer);
-        m_failure = failure;
+        m_failure = std::move(failure);
         m_finished = true;
-        m_body.reset();
         m_changed.notify_all();
     }
 
-    ServerAnswer wait(const TransferWatcher& watcher)
+    void wait(const TransferWatcher& watcher)
     {
         constexpr std::chrono::milliseconds look{20};
         std::unique_lock lock(m_mutex);
@@ -148,7 +148,6 @@ public:
         if (m_failure) {
             std::rethrow_exception(m_failure);
         }
-        return std::move(m_answer);
     }
 
     void giveUp()
@@ -156,6 +155,7 @@ public:
         {
             const std::lock_guard lock(m_mutex);
             m_givenUp = true;
+            m_response = {}; // it may keep the request alive, which keeps this alive
         }
         m_connection->end();
     }
@@ -163,9 +163,6 @@ public:
 private:
     void requireWithinLimits()
     {
-        if (m_body && m_body->is_done()) {
-            return; // it is only being read from memory
-        }
         const auto now = steady_clock::now();
         watchTheWire(now);
         if (now - m_lastMove > m_limits.standstillTime) {
@@ -208,17 +205,16 @@ private:
     steady_clock::time_point m_lastSent = m_lastMove;
     std::optional<steady_clock::time_point> m_longHeadSince;
     std::uint64_t m_bytesRead = 0;
-    std::optional<pplx::task<http_response>> m_body; ///< done when all of it has come
     bool m_headRead = false;
     bool m_givenUp = false;
     bool m_finished = false;
-    ServerAnswer m_answer;
+    http_response m_response;
     std::exception_ptr m_failure;
 };
 
 BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_config config,
                                  web::http::http_request request, const ExchangeLimits& limits,
-                                 BodyWanted wanted, Reader reader)
+                                 BodyWanted wanted)
 {
     auto connection = Platform::watchConnection(config, base, request);
     m_state = std::make_shared<State>(limits, std::move(connection), request.headers().content_length());
@@ -227,32 +223,25 @@ BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_c
             state->moved(direction, size);
         });
     web::http::client::http_client client(base, config);
-    client.request(request).then(
-        [state = m_state, wanted, reader = std::move(reader)](const pplx::task<http_response>& answered) {
-            readAnswer(state, wanted, reader, answered);
-        });
-}
-
-void BoundedExchange::readAnswer(const std::shared_ptr<State>& state, BodyWanted wanted, const Reader& reader,
-                                 const pplx::task<http_response>& answered)
-{
-    http_response response;
-    try {
-        response = state->takeHead(answered);
-    } catch (...) {
-        state->finish([]() -> ServerAnswer { throw; });
-        return;
-    }
-    if (!wanted(response)) {
-        state->finish([&] { return reader(response); });
-        return;
-    }
-    response.content_ready().then([state, reader, response](const pplx::task<http_response>& body) mutable {
+    client.request(request).then([state = m_state, wanted](const pplx::task<http_response>& answered) {
+        http_response response;
         try {
-            body.wait(); // it is done
-        } catch (...) {  // the reader finds out; but a failure that nobody asks for ends the process
+            response = state->takeHead(answered);
+        } catch (...) {
+            state->finish(std::current_exception());
+            return;
         }
-        state->finish([&] { return reader(response); });
+        if (!wanted(response)) {
+            state->finish();
+            return;
+        }
+        bodyOf(response).then([state](const pplx::task<utility::size64_t>& body) {
+            try {
+                body.wait(); // it is done
+            } catch (...) { // whoever reads it finds out; but a failure that nobody asks for ends the process
+            }
+            state->finish();
+        });
     });
 }
 
@@ -261,8 +250,9 @@ BoundedExchange::~BoundedExchange()
     m_state->giveUp();
 }
 
-ServerAnswer BoundedExchange::wait(const TransferWatcher& watcher)
+http_response& BoundedExchange::wait(const TransferWatcher& watcher)
 {
-    return m_state->wait(watcher);
+    m_state->wait(watcher);
+    return m_state->response();
 }
 } // namespace VantryIntegrationApi

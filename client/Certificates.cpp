@@ -124,13 +124,10 @@ ResponseStatus CVantryApi::probe(const LumoFunction& log)
     auto config = getClientConfig(true);
     LUMO_INFO(log, L"Used url: " << base << fromRestText(request.request_uri().to_string()));
     const auto readNoBody = [](const web::http::http_response& /*response*/) { return false; };
-    const auto read = [](const web::http::http_response& response) {
-        return ServerAnswer{{response.status_code(), fromRestText(response.reason_phrase())}, {}};
-    };
-    BoundedExchange exchange(web::uri(toRestText(base)), std::move(config), request, m_limits, readNoBody,
-                             read);
+    BoundedExchange exchange(web::uri(toRestText(base)), std::move(config), request, m_limits, readNoBody);
     LUMO_DEBUG(log, L"Going to run task and get results.");
-    return exchange.wait(m_transferWatcher).status;
+    const auto& response = exchange.wait(m_transferWatcher);
+    return {response.status_code(), fromRestText(response.reason_phrase())};
 }
 
 void CVantryApi::SaveCertificateLocally(const CERT_CONTEXT& certificate)

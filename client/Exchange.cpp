@@ -41,19 +41,17 @@ ServerAnswer CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::ws
 }
 
 ServerAnswer CVantryApi::exchange(const LumoFunction& log, const uri& base,
-                                  const web::http::http_request& request, BodyReader reader)
+                                  const web::http::http_request& request, const BodyReader& reader)
 {
     auto config = getClientConfig(false);
     const auto otherServer = requireAcceptedServer(config);
-    const auto read = [reader = std::move(reader)](web::http::http_response& response) {
+    BoundedExchange exchange(base, std::move(config), request, m_limits, &Utils::readsBody);
+    LUMO_DEBUG(log, L"Going to run tasks and get results.");
+    try {
+        auto& response = exchange.wait(m_transferWatcher);
         ServerAnswer answer{{response.status_code(), fromRestText(response.reason_phrase())}, {}};
         answer.body = reader(response);
         return answer;
-    };
-    BoundedExchange exchange(base, std::move(config), request, m_limits, &Utils::readsBody, read);
-    LUMO_DEBUG(log, L"Going to run tasks and get results.");
-    try {
-        return exchange.wait(m_transferWatcher);
     } catch (const web::http::http_exception&) {
         if (!*otherServer) {
             throw;

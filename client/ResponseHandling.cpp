@@ -1,5 +1,6 @@
 #include "ResponseHandling.h"
 
+#include "BoundedExchange.h"
 #include "JsonBudget.h"
 #include "RestText.h"
 #include "VantryApi.h"
@@ -53,11 +54,11 @@ bool saysUtf8(const utility::string_t& contentType)
     return boost::iequals(parametersOf(contentType), U("charset=utf-8"));
 }
 
-/// The body as it came, whatever its content type, once it is there. Not a task of a string: tasks copy their
-/// results each time they hand them on.
-std::string bodyBytes(const http_response& complete)
+/// The body as it came, whatever its content type.
+std::string bodyBytes(const http_response& response)
 {
-    auto body = complete.body().streambuf();
+    bodyOf(response).wait();
+    auto body = response.body().streambuf();
     std::string bytes(body.in_avail(), '\0');
     body.getn(reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()).wait();
     return bytes;
@@ -74,8 +75,7 @@ json::value parsed(utility::string_t text)
 /// REST SDK's matter.
 utility::string_t extractText(const http_response& response, bool isUtf8)
 {
-    return isUtf8 ? restTextOfUtf8(bodyBytes(response.content_ready().get()))
-                  : response.extract_string().get();
+    return isUtf8 ? restTextOfUtf8(bodyBytes(response)) : response.extract_string().get();
 }
 
 json::value extractJson(const http_response& response, const utility::string_t& contentType)
@@ -91,7 +91,7 @@ json::value extractJson(const http_response& response, const utility::string_t& 
 void traceBody(const http_response& response)
 {
     try {
-        const auto bytes = bodyBytes(response.content_ready().get());
+        const auto bytes = bodyBytes(response);
         LUMO_LINE(CVantryApi::m_logger, Trace, "Full server response: " << bytes);
     } catch (const std::exception& e) {
         LUMO_LINE(CVantryApi::m_logger, Warn, e.what());

@@ -11,7 +11,6 @@
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
-#include <memory>
 #include <stdexcept>
 
 using Platform::fromRestText;
@@ -110,15 +109,15 @@ ServerAnswer CVantryApi::unsafe_sendRequest_CreateSession(const uri& requestUri)
     web::http::http_request request(methods::GET);
     request.set_request_uri(requestUri);
 
-    const auto cookie = std::make_shared<std::wstring>();
-    auto answer = exchange(log, Utils::serverAddress(m_endPoint), request, [cookie](auto& response) {
-        *cookie = setCookie(response);
+    std::wstring cookie;
+    auto answer = exchange(log, Utils::serverAddress(m_endPoint), request, [&cookie](auto& response) {
+        cookie = setCookie(response);
         return Utils::handleResponse(response);
     });
     if (!answer.body.is_null()) {
         auto key = Utils::jsonText(Utils::member(answer.body, U("sessionKey")));
         boost::trim_if(key, boost::is_any_of(L" \""));
-        m_session = {std::move(key), std::move(*cookie)};
+        m_session = {std::move(key), std::move(cookie)};
     }
     logAnswer(log, answer.body);
     return answer;

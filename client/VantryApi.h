@@ -87,7 +87,6 @@ public:
     static log4cxx::LoggerPtr m_logger;
 
 private:
-    /// See BoundedExchange::Reader.
     using BodyReader = std::function<web::json::value(web::http::http_response&)>;
 
     /// Both texts come from the server together and go back together. Named like the client's other members.
@@ -118,10 +117,10 @@ private:
     ServerAnswer sendRequest_ProvideServerResponse(const web::uri& requestUri, const std::wstring& method,
                                                    const web::json::value& body = {});
 
-    /// Sends `request` to `base` through a client of its own and waits for what `reader` makes of the answer,
-    /// on a thread of the REST SDK.
+    /// Sends `request` to `base` through a client of its own and waits for the answer, of which
+    /// `reader` makes the body.
     ServerAnswer exchange(const LumoFunction& log, const web::uri& base,
-                          const web::http::http_request& request, BodyReader reader);
+                          const web::http::http_request& request, const BodyReader& reader);
 
     /// The info line of an answer that is not null.
     static void logAnswer(const LumoFunction& log, const web::json::value& answer);
