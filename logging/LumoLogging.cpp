@@ -45,7 +45,15 @@ bool alike(Character left, wchar_t right)
     return small(left) == small(right);
 }
 
-/// Masks the value of each query element that holds a secret.
+template <typename Text>
+bool standsAt(const std::wstring& secret, const Text& text, std::size_t at)
+{
+    return text.size() - at >= secret.size() &&
+           std::equal(secret.begin(), secret.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                      [](wchar_t right, auto left) { return alike(left, right); });
+}
+
+/// Masks the value of each query element that holds a secret: the longest, where one begins like another.
 template <typename Text>
 void mask(Text& text)
 {
@@ -56,13 +64,12 @@ void mask(Text& text)
     const Text element(passwordElement.begin(), passwordElement.end());
     for (auto at = text.find(element); at != Text::npos; at = text.find(element, at)) {
         at += element.size();
+        std::size_t hidden = 0;
         for (const auto& secret : *secrets) {
-            if (text.size() - at >= secret.size() &&
-                std::equal(secret.begin(), secret.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
-                           [](wchar_t right, auto left) { return alike(left, right); })) {
-                text.replace(at, secret.size(), Text(passwordMask.begin(), passwordMask.end()));
-                break;
-            }
+            hidden = standsAt(secret, text, at) ? std::max(hidden, secret.size()) : hidden;
+        }
+        if (hidden > 0) {
+            text.replace(at, hidden, Text(passwordMask.begin(), passwordMask.end()));
         }
     }
 }

@@ -16,6 +16,12 @@
 #include <stdexcept>
 #include <thread>
 
+#if __has_include(<wincrypt.h>)
+#include <windows.h>
+
+#include <wincrypt.h>
+#endif
+
 namespace
 {
 using Clock = std::chrono::steady_clock;

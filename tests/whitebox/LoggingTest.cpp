@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 using log4cxx::Level;
 using Texts = std::vector<std::wstring>;
 
@@ -49,4 +53,23 @@ TEST_F(Logging, AScopeTestsTheLevelAgainWhenItEnds)
         CapturedLog::setLevel(Level::getDebug());
     }
     EXPECT_EQ(log.texts(), (Texts{L"TRACE CVantryApi Early entering."}));
+}
+
+TEST(Password, IsMaskedWithTheOneBeforeItInEitherCaseOfItsDigits)
+{
+    Lumo::hidePassword(L"first");
+    Lumo::hidePassword(L"a%2Fbc%C3");
+    Lumo::hidePassword(L"a%2Fb");
+    const std::vector<std::pair<std::wstring, std::wstring>> table{
+        {L"/Session?username=u&password=a%2Fb", L"/Session?username=u&password=***************"},
+        {L"password=a%2fb&password=a%2fb", L"password=***************&password=***************"},
+        {L"before: password=a%2Fbc%c3 after", L"before: password=*************** after"},
+        {L"password=first", L"password=first"},
+        {L"password=", L"password="},
+        {L"a%2Fb", L"a%2Fb"}};
+    for (const auto& [text, expected] : table) {
+        EXPECT_EQ(Lumo::withoutPassword(text), expected);
+    }
+    Lumo::hidePassword(L"");
+    EXPECT_EQ(Lumo::withoutPassword(L"password=a%2Fb"), L"password=***************");
 }
