@@ -70,9 +70,8 @@ json::value parsed(utility::string_t text)
     return json::value::parse(toParserText(std::move(text)));
 }
 
-/// The text of a body. UTF-8, the usual form, is read here: the REST
-/// SDK would refuse bytes that are no text on one target and take them on the other. Every other form is the
-/// REST SDK's matter.
+/// The text of a body. UTF-8, the usual form, is read here: the REST SDK would refuse bytes that are no text
+/// on one target and take them on the other. Every other form is the REST SDK's matter.
 utility::string_t extractText(const http_response& response, bool isUtf8)
 {
     return isUtf8 ? restTextOfUtf8(bodyBytes(response)) : response.extract_string().get();

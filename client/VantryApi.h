@@ -70,7 +70,7 @@ public:
     const std::wstring& GetLastSavedTechNoteID() const { return m_lastSavedTechNoteId; }
 
     /// Each runs its operation here if no window is set, else on a thread of its own.
-    /// @throws std::system_error if there is no thread to be had
+    /// @throws std::system_error if the system gives no thread
     void wrpSaveTechNote(const TechNote& techNote);
     void wrpSaveAttachment(const Attachment& attachment);
     void wrpCreateSession();
