@@ -5,6 +5,12 @@
 using VantryIntegrationApi::g_client;
 using VantryIntegrationApi::g_moduleLogger;
 
+// The host configures log4cxx, and with it these loggers.
+log4cxx::LoggerPtr Lumo::loggerOf(const wchar_t* name)
+{
+    return log4cxx::Logger::getLogger(name);
+}
+
 void SetEndPoint(const std::wstring& endPoint)
 {
     const LumoLogBlock block(g_moduleLogger, "SetEndPoint");

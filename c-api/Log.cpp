@@ -3,6 +3,8 @@
 #include "Text.h"
 #include "Turn.h"
 
+#include "LumoLogging.h"
+
 #include <log4cxx/appenderskeleton.h>
 #include <log4cxx/helpers/transcoder.h>
 #include <log4cxx/hierarchy.h>
@@ -155,14 +157,14 @@ Lines& lines()
 }
 } // namespace
 
-namespace CInterface
+log4cxx::LoggerPtr Lumo::loggerOf(const wchar_t* name)
 {
-log4cxx::LoggerPtr Log::logger(const std::wstring& name)
-{
-    LOG4CXX_DECODE_WCHAR(logName, name);
+    LOG4CXX_DECODE_WCHAR(logName, std::wstring(name));
     return lines().hierarchy->getLogger(logName);
 }
 
+namespace CInterface
+{
 void Log::setCallback(vantry_log_callback callback, void* user, std::int32_t level)
 {
     lines().appender->setCallback(callback, user, checked(level));

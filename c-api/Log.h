@@ -1,20 +1,15 @@
 /// @file
-/// The loggers of the library, and where their lines go. They are a hierarchy of their own: nothing but these
+/// Where the lines of the library's loggers go. The loggers are a hierarchy of their own: nothing but these
 /// functions configures it, and nobody else's lines come here.
 #pragma once
 
 #include "vantry.h"
 
-#include <log4cxx/logger.h>
-
 #include <cstdint>
-#include <string>
 
 namespace CInterface::Log
 {
-log4cxx::LoggerPtr logger(const std::wstring& name);
-
-// The following are for the thread whose turn it is.
+// All are for the thread whose turn it is.
 
 /// Where the lines of `level` and above go to; null: nowhere.
 /// @throws Refusal if there is no such level

@@ -21,16 +21,6 @@ using CInterface::Refusal;
 using CInterface::textOf;
 using VantryIntegrationApi::CVantryApi;
 
-// The client's own, but for the loggers, which are nobody else's here.
-namespace VantryIntegrationApi
-{
-log4cxx::LoggerPtr g_moduleLogger = CInterface::Log::logger(L"vantry");
-log4cxx::LoggerPtr CVantryApi::m_logger = CInterface::Log::logger(L"CVantryApi");
-CVantryApi g_client;
-const std::wstring g_requestErrorText =
-    L"We've got an error during request. See logged status code and message for more details.";
-} // namespace VantryIntegrationApi
-
 namespace
 {
 auto& client = VantryIntegrationApi::g_client;

@@ -135,7 +135,7 @@ public:
                 const auto transfer = m_transfer;
                 lock.unlock(); // the host's code
                 if (!watcher(transfer)) {
-                    throw givenUpByHost();
+                    throw OwnOutcome({givenUpStatus, L"The host has given the operation up."});
                 }
                 lock.lock();
             }

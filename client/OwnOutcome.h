@@ -24,9 +24,4 @@ public:
 private:
     ResponseStatus m_status;
 };
-
-inline OwnOutcome givenUpByHost()
-{
-    return OwnOutcome({givenUpStatus, L"The host has given the operation up."});
-}
 } // namespace VantryIntegrationApi

@@ -15,6 +15,10 @@
 
 namespace Lumo
 {
+/// The logger of this name. Each module says where its own come from: this one function is defined with its
+/// interface, not here.
+log4cxx::LoggerPtr loggerOf(const wchar_t* name);
+
 /// Hands a finished line to the logger: with the password masked and what log4cxx cannot take replaced.
 /// @throws whatever an appender throws: to be called through `LUMO_LINE` alone
 void write(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const std::wstring& line,
