@@ -3,7 +3,6 @@
 #include "OwnOutcome.h"
 #include "RequestConnection.h"
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
