@@ -53,6 +53,9 @@ public:
     throw web::http::http_exception(limit, category);
 }
 
+/// What is read at once, so that some of the body may come with the head's end.
+constexpr std::uint64_t readAhead = 128 * 1024;
+
 /// What a body of `size` bytes takes on the connection at most: with its chunks' heads, and TLS.
 std::uint64_t onTheWire(std::uint64_t size)
 {
@@ -93,19 +96,20 @@ public:
             m_lastSent = m_lastMove;
             return;
         }
-        m_headRead = true;
         m_transfer.received = size;
         if (size > m_limits.bodySize) {
             refuse(BodySize);
         }
     }
 
+    /// On the operation's thread, before its wait: done when the REST SDK has read the answer's head.
+    void await(const pplx::task<http_response>& answered) { m_answered = answered; }
+
     /// @throws what the REST SDK threw instead of giving an answer
     http_response takeHead(const pplx::task<http_response>& answered)
     {
         auto response = answered.get();
         const std::lock_guard lock(m_mutex);
-        m_headRead = true;
         m_transfer.toReceive = response.headers().content_length();
         if (!m_givenUp) {
             m_response = response;
@@ -154,7 +158,9 @@ public:
         {
             const std::lock_guard lock(m_mutex);
             m_givenUp = true;
-            m_response = {}; // it may keep the request alive, which keeps this alive
+            // Both may keep the request alive, which keeps this alive.
+            m_response = {};
+            m_answered = {};
         }
         m_connection->end();
     }
@@ -167,7 +173,7 @@ private:
         if (now - m_lastMove > m_limits.standstillTime) {
             refuse(Standstill);
         }
-        if (now - m_lastSent > m_limits.answerTime && m_headRead) {
+        if (now - m_lastSent > m_limits.answerTime && m_answered.is_done()) {
             refuse(AnswerTime);
         }
     }
@@ -179,17 +185,15 @@ private:
         if (!read) {
             return;
         }
-        if (*read > m_limits.headSize + onTheWire(m_limits.bodySize)) {
-            refuse(m_headRead ? BodySize : HeadSize);
-        }
-        if (m_headRead || *read <= m_limits.headSize) {
-            m_longHeadSince.reset();
-        } else if (!m_longHeadSince) {
-            m_longHeadSince = now;
-        } else if (now - *m_longHeadSince > m_limits.headGrace) {
+        // After the look at the connection: it is done before any more than the head is read.
+        const bool headRead = m_answered.is_done();
+        if (!headRead && *read > m_limits.headSize + readAhead) {
             refuse(HeadSize);
         }
-        if (m_headRead && *read != m_bytesRead) {
+        if (*read > m_limits.headSize + onTheWire(m_limits.bodySize)) {
+            refuse(BodySize);
+        }
+        if (headRead && *read != m_bytesRead) {
             m_lastMove = now;
         }
         m_bytesRead = *read;
@@ -197,14 +201,13 @@ private:
 
     const ExchangeLimits m_limits;
     const std::shared_ptr<Platform::RequestConnection> m_connection;
-    std::mutex m_mutex; ///< guards what follows
+    pplx::task<http_response> m_answered; ///< used by the operation's thread alone
+    std::mutex m_mutex;                   ///< guards what follows
     std::condition_variable m_changed;
     Transfer m_transfer;
     steady_clock::time_point m_lastMove = steady_clock::now();
     steady_clock::time_point m_lastSent = m_lastMove;
-    std::optional<steady_clock::time_point> m_longHeadSince;
     std::uint64_t m_bytesRead = 0;
-    bool m_headRead = false;
     bool m_givenUp = false;
     bool m_finished = false;
     http_response m_response;
@@ -222,7 +225,9 @@ BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_c
             state->moved(direction, size);
         });
     web::http::client::http_client client(base, config);
-    client.request(request).then([state = m_state, wanted](const pplx::task<http_response>& answered) {
+    const auto answered = client.request(request);
+    m_state->await(answered);
+    answered.then([state = m_state, wanted](const pplx::task<http_response>& answered) {
         http_response response;
         try {
             response = state->takeHead(answered);

@@ -14,7 +14,6 @@ struct ExchangeLimits
     std::uint64_t headSize = 1024ULL * 1024;                 ///< bytes read before the body begins
     std::chrono::milliseconds answerTime{10 * 60 * 1000};    ///< from the request's last byte to the answer's
     std::chrono::milliseconds standstillTime{3 * 60 * 1000}; ///< without progress of a body either way
-    std::chrono::milliseconds headGrace{1000};               ///< for a head that is read but not yet reported
 };
 
 /// Bytes of the bodies of one exchange; a total that is not known is 0.

@@ -10,6 +10,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <mutex>
@@ -66,7 +67,9 @@ public:
             ioctl(m_descriptor, FIONREAD, &unread) != 0) {
             return std::nullopt;
         }
-        return info.back() - static_cast<std::uint64_t>(unread);
+        // What arrives between the two looks is unread, but not yet received.
+        const auto received = info.back();
+        return received - std::min(received, static_cast<std::uint64_t>(unread));
     }
 
     void end() override

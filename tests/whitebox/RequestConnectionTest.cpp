@@ -1,0 +1,47 @@
+#include "RequestConnection.h"
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/write.hpp>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+using boost::asio::ip::tcp;
+using std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+TEST(RequestConnection, WhatArrivesDuringALookIsNotTakenForReadOrForLessThanNothing)
+{
+    boost::asio::io_context context;
+    tcp::acceptor acceptor(context, {boost::asio::ip::address_v4::loopback(), 0});
+    tcp::socket peer(context);
+    tcp::socket socket(context);
+    socket.connect(acceptor.local_endpoint());
+    acceptor.accept(peer);
+
+    web::http::client::http_client_config config;
+    web::uri base("http://127.0.0.1");
+    web::http::http_request request;
+    const auto connection = Platform::watchConnection(config, base, request);
+    config.invoke_nativehandle_options(&socket);
+    connection->opened();
+
+    // Nobody reads.
+    std::thread writer([&peer] {
+        const std::string bytes(100, 'x');
+        boost::system::error_code full;
+        peer.non_blocking(true);
+        while (!full) {
+            boost::asio::write(peer, boost::asio::buffer(bytes), full);
+        }
+    });
+    const auto end = steady_clock::now() + 300ms;
+    std::uint64_t most = 0;
+    while (steady_clock::now() < end) {
+        most = std::max(most, connection->bytesRead().value());
+    }
+    writer.join();
+    EXPECT_EQ(most, 0U);
+}
