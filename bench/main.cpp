@@ -30,16 +30,16 @@ constexpr double goal([[maybe_unused]] double onLinux)
 }
 
 const Work works[] = {
-    {Operation::Note, 100, 300, goal(1.03), true, 1.02},
+    {Operation::Note, 100, 1500, goal(1.03), true, 1.02},
     {Operation::Note, 10 * kB, 200, 0, false},
     {Operation::Note, MB, 30, goal(1.2), true},
     {Operation::Note, 10 * MB, 9, goal(1.2), false},
-    {Operation::SecureNote, 100, 100, goal(1.03), true},
+    {Operation::SecureNote, 100, 300, goal(1.03), true},
     {Operation::List, 1, 200, 0, false},
     {Operation::List, 100, 200, 0, false},
     {Operation::List, 1000, 60, goal(0.95), true},
     {Operation::List, 10'000, 20, goal(0.95), true},
-    {Operation::List, 100'000, 7, goal(0.95), false, 1.10},
+    {Operation::List, 100'000, 15, goal(0.95), false, 1.10},
     {Operation::List, 1'000'000, 1, 0, false},
     {Operation::Upload, kB, 200, 0, false},
     {Operation::Upload, MB, 60, 0, false},

@@ -61,16 +61,24 @@ vantry_result* vantry_result::shared(std::int32_t status) noexcept
 
 void vantry_result::takeTickets(const std::vector<TicketListEntry>& list)
 {
-    const auto add = [this](const std::string& text) {
+    const auto add = [this](const auto& appendTo, const std::wstring& text) {
         const auto start = ticketTexts.size();
-        ticketTexts.append(text.c_str(), text.size() + 1);
+        appendTo(ticketTexts, text);
+        ticketTexts.push_back('\0');
         return start;
     };
+    constexpr auto id = [](std::string& to, const std::wstring& json) { to += CInterface::plain(json); };
+    constexpr auto text = &CInterface::appendForHost;
+    std::size_t atLeast = 0;
+    for (const auto& ticket : list) {
+        atLeast +=
+            ticket.id.size() + ticket.name.size() + ticket.detail.size() + ticket.clientName.size() + 4;
+    }
+    ticketTexts.reserve(atLeast);
     tickets.reserve(list.size());
     for (const auto& ticket : list) {
-        tickets.push_back({add(CInterface::plain(ticket.id)), add(CInterface::forHost(ticket.name)),
-                           add(CInterface::forHost(ticket.detail)),
-                           add(CInterface::forHost(ticket.clientName))});
+        tickets.push_back({add(id, ticket.id), add(text, ticket.name), add(text, ticket.detail),
+                           add(text, ticket.clientName)});
     }
 }
 

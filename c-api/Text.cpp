@@ -32,6 +32,15 @@ std::string forHost(std::string utf8)
     return utf8;
 }
 
+void appendForHost(std::string& to, const std::wstring& text)
+{
+    if (text.find(L'\0') == std::wstring::npos) {
+        Platform::appendUtf8(to, text);
+    } else {
+        to += forHost(text);
+    }
+}
+
 std::string plain(const std::wstring& json)
 {
     if (boost::starts_with(json, L"\"")) {

@@ -62,6 +62,18 @@ std::uint64_t onTheWire(std::uint64_t size)
     constexpr std::uint64_t share = 16;
     return size + size / share;
 }
+/// Runs what follows a task on the thread that ends the task, which needs not be woken.
+class SameThread : public pplx::scheduler_interface
+{
+public:
+    void schedule(pplx::TaskProc_t procedure, void* argument) override { procedure(argument); }
+};
+
+pplx::task_options onTheSameThread()
+{
+    static SameThread scheduler;
+    return pplx::task_options(pplx::scheduler_ptr(&scheduler));
+}
 } // namespace
 
 namespace VantryIntegrationApi
@@ -122,10 +134,21 @@ public:
 
     void finish(std::exception_ptr failure = nullptr)
     {
-        const std::lock_guard lock(m_mutex);
-        m_failure = std::move(failure);
-        m_finished = true;
+        {
+            const std::lock_guard lock(m_mutex);
+            m_failure = std::move(failure);
+            m_finished = true;
+        }
         m_changed.notify_all();
+    }
+
+    void finishWithBody()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_bodyEnded = true;
+        }
+        finish();
     }
 
     void wait(const TransferWatcher& watcher)
@@ -155,14 +178,18 @@ public:
 
     void giveUp()
     {
+        bool isLeft = true;
         {
             const std::lock_guard lock(m_mutex);
             m_givenUp = true;
+            isLeft = !m_bodyEnded;
             // Both may keep the request alive, which keeps this alive.
             m_response = {};
             m_answered = {};
         }
-        m_connection->end();
+        if (isLeft) {
+            m_connection->end();
+        }
     }
 
 private:
@@ -210,6 +237,7 @@ private:
     std::uint64_t m_bytesRead = 0;
     bool m_givenUp = false;
     bool m_finished = false;
+    bool m_bodyEnded = false;
     http_response m_response;
     std::exception_ptr m_failure;
 };
@@ -227,26 +255,29 @@ BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_c
     web::http::client::http_client client(base, config);
     const auto answered = client.request(request);
     m_state->await(answered);
-    answered.then([state = m_state, wanted](const pplx::task<http_response>& answered) {
-        http_response response;
-        try {
-            response = state->takeHead(answered);
-        } catch (...) {
-            state->finish(std::current_exception());
-            return;
-        }
-        if (!wanted(response)) {
-            state->finish();
-            return;
-        }
-        bodyOf(response).then([state](const pplx::task<utility::size64_t>& body) {
+    answered.then(
+        [state = m_state, wanted](const pplx::task<http_response>& head) {
+            http_response response;
             try {
-                body.wait(); // it is done
-            } catch (...) { // whoever reads it finds out; but a failure that nobody asks for ends the process
+                response = state->takeHead(head);
+            } catch (...) {
+                state->finish(std::current_exception());
+                return;
             }
-            state->finish();
-        });
-    });
+            if (!wanted(response)) {
+                state->finish();
+                return;
+            }
+            const auto finish = [state](const pplx::task<utility::size64_t>& body) {
+                try {
+                    body.wait(); // it is done
+                } catch (...) { // whoever reads it finds out; a failure that nobody asks for ends the process
+                }
+                state->finishWithBody();
+            };
+            bodyOf(response).then(finish, onTheSameThread());
+        },
+        onTheSameThread());
 }
 
 BoundedExchange::~BoundedExchange()

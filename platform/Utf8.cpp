@@ -43,11 +43,22 @@ namespace Platform
 {
 std::string toUtf8(const std::wstring& text)
 {
+    std::string utf8;
+    appendUtf8(utf8, text);
+    return utf8;
+}
+
+void appendUtf8(std::string& to, const std::wstring& text)
+{
     if (isAscii(text)) {
-        return {text.begin(), text.end()};
+        const auto start = to.size();
+        to.resize(start + text.size());
+        std::transform(text.begin(), text.end(), to.begin() + static_cast<std::ptrdiff_t>(start),
+                       [](wchar_t character) { return static_cast<char>(character); });
+        return;
     }
     try {
-        return boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
+        to += boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
     } catch (const boost::locale::conv::conversion_error&) {
         throw std::range_error("malformed wide text");
     }

@@ -9,6 +9,7 @@ namespace Platform
 {
 /// @throws std::range_error if `text` is malformed
 std::string toUtf8(const std::wstring& text);
+void appendUtf8(std::string& to, const std::wstring& text);
 
 /// Whatever in `utf8` is no well-formed text becomes U+FFFD.
 std::wstring fromUtf8(std::string_view utf8);
