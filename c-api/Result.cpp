@@ -26,7 +26,7 @@ std::vector<vantry_result> makeShared()
         {VANTRY_NO_LOG_FILE, "The log file cannot be opened for writing."}};
     std::vector<vantry_result> results;
     for (const auto& [status, text] : ownStatuses) {
-        results.emplace_back(ResponseStatus{status, L""}, -1);
+        results.emplace_back(ResponseStatus{status, {}}, -1);
         results.back().message = text;
         results.back().isShared = true;
     }
