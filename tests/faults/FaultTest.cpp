@@ -42,7 +42,7 @@ std::chrono::seconds limitOf(const Fault& fault)
 std::size_t memoryLimitOf(const Fault& fault)
 {
     constexpr std::size_t mebibyte = 1024UL * 1024;
-    return (fault.is("large") ? 2048 : 700) * mebibyte;
+    return (fault.is("large") ? 2048 : 1000) * mebibyte;
 }
 
 /// One fault, met by one operation in one way.
