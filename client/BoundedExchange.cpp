@@ -54,7 +54,7 @@ public:
 }
 
 /// What is read at once, so that some of the body may come with the head's end.
-constexpr std::uint64_t readAhead = 128 * 1024;
+constexpr std::uint64_t readAhead = 128ULL * 1024;
 
 /// What a body of `size` bytes takes on the connection at most: with its chunks' heads, and TLS.
 std::uint64_t onTheWire(std::uint64_t size)
@@ -72,7 +72,7 @@ public:
 pplx::task_options onTheSameThread()
 {
     static SameThread scheduler;
-    return pplx::task_options(pplx::scheduler_ptr(&scheduler));
+    return {pplx::scheduler_ptr(&scheduler)};
 }
 } // namespace
 
