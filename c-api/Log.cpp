@@ -12,6 +12,7 @@
 #include <log4cxx/spi/loggingevent.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -39,8 +40,8 @@ std::string utf8(const log4cxx::LogString& logText)
 /// log4cxx's number of a `vantry_log_level`.
 int checked(std::int32_t level)
 {
-    constexpr int numbers[] = {Level::TRACE_INT, Level::DEBUG_INT, Level::INFO_INT,
-                               Level::WARN_INT,  Level::ERROR_INT, Level::FATAL_INT};
+    constexpr std::array<int, 6> numbers{Level::TRACE_INT, Level::DEBUG_INT, Level::INFO_INT,
+                                         Level::WARN_INT,  Level::ERROR_INT, Level::FATAL_INT};
     if (level < VANTRY_LOG_TRACE || level > VANTRY_LOG_FATAL) {
         throw CInterface::Refusal{VANTRY_INVALID_ARGUMENT};
     }

@@ -4,6 +4,8 @@
 #include "Text.h"
 
 #include <algorithm>
+#include <cassert>
+#include <initializer_list>
 #include <memory>
 #include <utility>
 
@@ -12,7 +14,7 @@ namespace
 /// Made when the library is loaded: there may be no memory when one is needed.
 std::vector<vantry_result> makeShared()
 {
-    const std::pair<vantry_status, const char*> ownStatuses[] = {
+    const std::initializer_list<std::pair<vantry_status, const char*>> ownStatuses{
         {VANTRY_OK, "OK"},
         {VANTRY_UPLOAD_REFUSED, "The server refused the upload."},
         {VANTRY_REQUEST_FAILED, IDS_REQUEST_FAILED_TEXT},
@@ -44,7 +46,9 @@ std::string messageOf(const ResponseStatus& outcome)
 
 const vantry_result& read(const vantry_result* result)
 {
-    return result == nullptr ? *vantry_result::shared(VANTRY_INVALID_ARGUMENT) : *result;
+    const auto* const shown = result == nullptr ? vantry_result::shared(VANTRY_INVALID_ARGUMENT) : result;
+    assert(shown != nullptr); // the shared ones are there from the start
+    return *shown;
 }
 } // namespace
 

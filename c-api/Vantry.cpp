@@ -19,7 +19,6 @@ using CInterface::inTurn;
 using CInterface::plain;
 using CInterface::Refusal;
 using CInterface::textOf;
-using VantryIntegrationApi::CVantryApi;
 
 namespace
 {
