@@ -40,7 +40,7 @@ const Work works[] = {
     {Operation::List, 1000, 60, goal(0.95), true},
     {Operation::List, 10'000, 20, goal(0.95), true},
     {Operation::List, 100'000, 15, goal(0.95), false, 1.10},
-    {Operation::List, 1'000'000, 1, 0, false},
+    {Operation::List, 500'000, 1, 0, false},
     {Operation::Upload, kB, 200, 0, false},
     {Operation::Upload, MB, 60, 0, false},
     {Operation::Upload, 10 * MB, 30, goal(1.15), true},

@@ -50,15 +50,18 @@ public:
         return seekpos(static_cast<off_type>(from) + offset, mode);
     }
 
-    /// What is read is copied, since a request may still be sending it when its owner has ended.
+    /// A copy, since a request may still be sending it when its owner has ended. On Windows the REST SDK asks
+    /// for what is there first, and otherwise needs a thread of the pool for each reading.
     bool acquire(Byte*& bytes, std::size_t& count) override
     {
-        bytes = nullptr;
-        count = 0;
-        return false;
+        constexpr std::size_t chunk = 64 * 1024UL;
+        m_acquired.resize(chunk);
+        count = _scopy(m_acquired.data(), chunk);
+        bytes = m_acquired.data();
+        return true;
     }
 
-    void release(Byte* /*bytes*/, std::size_t /*count*/) override {}
+    void release(Byte* /*bytes*/, std::size_t count) override { m_position += count; }
 
     /// From now on there is nothing to read. May be called while another thread reads.
     void detach()
@@ -147,6 +150,7 @@ private:
 
     std::mutex m_mutex;
     std::vector<std::string_view> m_pieces; ///< guarded by the mutex
+    std::vector<Byte> m_acquired;
     const std::size_t m_size;
     std::size_t m_position = 0;
 };
