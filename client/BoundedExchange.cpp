@@ -7,7 +7,6 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <optional>
 #include <system_error>
 
 using std::chrono::steady_clock;
@@ -62,7 +61,8 @@ std::uint64_t onTheWire(std::uint64_t size)
     constexpr std::uint64_t share = 16;
     return size + size / share;
 }
-/// Runs what follows a task on the thread that ends the task, which needs not be woken.
+
+/// Runs what follows a task on the thread that ends the task, so that no other has to be woken.
 class SameThread : public pplx::scheduler_interface
 {
 public:
@@ -142,6 +142,7 @@ public:
         m_changed.notify_all();
     }
 
+    /// The connection has nothing more to give.
     void finishWithBody()
     {
         {
