@@ -1,5 +1,6 @@
 #include "Result.h"
 
+#include "Module.h"
 #include "StringTable.h"
 #include "Text.h"
 
@@ -35,7 +36,7 @@ std::vector<vantry_result> makeShared()
     return results;
 }
 
-std::vector<vantry_result> sharedResults = makeShared();
+Platform::ModuleObject<std::vector<vantry_result>> sharedResults(makeShared());
 
 std::string messageOf(const ResponseStatus& outcome)
 {
@@ -58,9 +59,9 @@ vantry_result::vantry_result(const ResponseStatus& outcome, int success)
 
 vantry_result* vantry_result::shared(std::int32_t status) noexcept
 {
-    const auto found = std::find_if(sharedResults.begin(), sharedResults.end(),
+    const auto found = std::find_if(sharedResults.object.begin(), sharedResults.object.end(),
                                     [status](const auto& one) { return one.status == status; });
-    return found == sharedResults.end() ? nullptr : &*found;
+    return found == sharedResults.object.end() ? nullptr : &*found;
 }
 
 void vantry_result::takeTickets(const std::vector<TicketListEntry>& list)

@@ -4,6 +4,8 @@
 
 #include "vantry.h"
 
+#include "Module.h"
+
 #include <atomic>
 #include <cfenv>
 #include <cstdint>
@@ -75,6 +77,7 @@ private:
 template <typename Action>
 std::int32_t inTurn(const Action& action) noexcept
 {
+    const Platform::RunningWork running;
     const FloatingPoint own(FE_DFL_ENV);
     try {
         const Turn turn(own.before());

@@ -6,6 +6,7 @@
 
 #include "Addresses.h"
 #include "AnsiText.h"
+#include "Module.h"
 #include "ModuleObjects.h"
 #include "RestText.h"
 #include "Utf8.h"
@@ -19,11 +20,11 @@ using CInterface::inTurn;
 using CInterface::plain;
 using CInterface::Refusal;
 using CInterface::textOf;
+using VantryIntegrationApi::g_client;
 
 namespace
 {
-auto& client = VantryIntegrationApi::g_client;
-std::wstring endPoint; ///< the client's
+Platform::ModuleObject<std::wstring> endPoint; ///< the client's
 
 struct Progress
 {
@@ -50,12 +51,12 @@ bool watch(const VantryIntegrationApi::Transfer& transfer)
 void watchIfNeeded()
 {
     const bool isNeeded = progress.callback != nullptr || CInterface::Log::hasCallback();
-    client.setTransferWatcher(isNeeded ? &watch : VantryIntegrationApi::TransferWatcher());
+    g_client.setTransferWatcher(isNeeded ? &watch : VantryIntegrationApi::TransferWatcher());
 }
 
 bool isTrusted(vantry_certificate_callback callback, void* user, const CERT_CONTEXT& certificate)
 {
-    const auto host = VantryIntegrationApi::Utils::serverAddress(endPoint).host();
+    const auto host = VantryIntegrationApi::Utils::serverAddress(endPoint.object).host();
     const auto name = CInterface::forHost(Platform::fromRestText(host));
     std::int32_t trust = 0;
     callBack(
@@ -85,7 +86,7 @@ ResponseStatus outcomeOf(const std::function<void()>& operation)
 {
     try {
         operation();
-        return client.GetLastResponse();
+        return g_client.GetLastResponse();
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& e) {
@@ -121,24 +122,24 @@ int32_t vantry_set_endpoint(const char* endpoint)
 {
     return inTurn([&] {
         auto given = textOf(endpoint);
-        client.setEndPoint(given);
-        endPoint.swap(given);
+        g_client.setEndPoint(given);
+        endPoint.object.swap(given);
     });
 }
 
 int32_t vantry_set_credentials(const char* user_name, const char* password)
 {
-    return inTurn([&] { client.setCredentials(textOf(user_name), textOf(password)); });
+    return inTurn([&] { g_client.setCredentials(textOf(user_name), textOf(password)); });
 }
 
 int32_t vantry_set_certificate_callback(vantry_certificate_callback callback, void* user)
 {
     return inTurn([&] {
         if (callback == nullptr) {
-            client.setValidateCertificateCallback(nullptr);
+            g_client.setValidateCertificateCallback(nullptr);
             return;
         }
-        client.setValidateCertificateCallback([callback, user](const CERT_CONTEXT& certificate) {
+        g_client.setValidateCertificateCallback([callback, user](const CERT_CONTEXT& certificate) {
             return isTrusted(callback, user, certificate);
         });
     });
@@ -173,13 +174,13 @@ int32_t vantry_set_progress_callback(vantry_progress_callback callback, void* us
 vantry_result* vantry_create_session(void)
 {
     return perform(
-        200, [] { return outcomeOf([] { client.wrpCreateSession(); }); }, &takeNothing);
+        200, [] { return outcomeOf([] { g_client.wrpCreateSession(); }); }, &takeNothing);
 }
 
 vantry_result* vantry_close_session(void)
 {
     return perform(
-        200, [] { return outcomeOf([] { client.wrpCloseSession(); }); }, &takeNothing);
+        200, [] { return outcomeOf([] { g_client.wrpCloseSession(); }); }, &takeNothing);
 }
 
 vantry_result* vantry_create_ticket(const vantry_new_ticket* ticket)
@@ -188,10 +189,10 @@ vantry_result* vantry_create_ticket(const vantry_new_ticket* ticket)
         const auto& given = checked(ticket);
         const TicketCreationInformation record{textOf(given.entity_id), checkedType(given.entity_type),
                                                textOf(given.subject), textOf(given.detail)};
-        return outcomeOf([&] { client.wrpCreateTicket(record); });
+        return outcomeOf([&] { g_client.wrpCreateTicket(record); });
     };
     return perform(201, operate,
-                   [](vantry_result& result) { result.ticketId = plain(client.GetCreatedTicketID()); });
+                   [](vantry_result& result) { result.ticketId = plain(g_client.GetCreatedTicketID()); });
 }
 
 vantry_result* vantry_save_tech_note(const vantry_tech_note* note)
@@ -203,10 +204,10 @@ vantry_result* vantry_save_tech_note(const vantry_tech_note* note)
         }
         const TechNote record{textOf(given.ticket_id), textOf(given.text), given.work_time,
                               given.is_visible == 1};
-        return outcomeOf([&] { client.wrpSaveTechNote(record); });
+        return outcomeOf([&] { g_client.wrpSaveTechNote(record); });
     };
     return perform(201, operate,
-                   [](vantry_result& result) { result.noteId = plain(client.GetLastSavedTechNoteID()); });
+                   [](vantry_result& result) { result.noteId = plain(g_client.GetLastSavedTechNoteID()); });
 }
 
 vantry_result* vantry_save_attachment(const vantry_attachment* attachment)
@@ -218,12 +219,12 @@ vantry_result* vantry_save_attachment(const vantry_attachment* attachment)
         }
         const auto note = CInterface::forHost(textOf(given.note_id));
         auto fileName = textOf(given.file_name);
-        if (note.empty() || note != plain(client.GetLastSavedTechNoteID())) {
+        if (note.empty() || note != plain(g_client.GetLastSavedTechNoteID())) {
             throw Refusal{VANTRY_NOT_THE_LAST_NOTE};
         }
         const Attachment record{std::string(static_cast<const char*>(given.data), given.data_size),
                                 std::move(fileName)};
-        auto outcome = outcomeOf([&] { client.wrpSaveAttachment(record); });
+        auto outcome = outcomeOf([&] { g_client.wrpSaveAttachment(record); });
         outcome.errorMessage = Platform::fromUtf8(plain(outcome.errorMessage)); // the reason is JSON text
         return outcome;
     };
@@ -235,7 +236,7 @@ vantry_result* vantry_request_ticket_list(const char* entity_id, int32_t entity_
     const auto operate = [&] {
         const auto id = textOf(entity_id);
         const auto type = checkedType(entity_type);
-        return outcomeOf([&] { client.wrpRequestTicketList(id, type); });
+        return outcomeOf([&] { g_client.wrpRequestTicketList(id, type); });
     };
-    return perform(200, operate, [](vantry_result& result) { result.takeTickets(client.GetTicketList()); });
+    return perform(200, operate, [](vantry_result& result) { result.takeTickets(g_client.GetTicketList()); });
 }

@@ -13,13 +13,14 @@ template <typename... Parameters>
 void CVantryApi::dispatch(const char* name, void (CVantryApi::*operation)(Parameters...),
                           const std::decay_t<Parameters>&... arguments)
 {
+    const Platform::RunningWork running;
     if (m_hwnd == nullptr) {
         LUMO_LINE(m_logger, Trace, "Sync. " << name << "()");
         (this->*operation)(arguments...);
         return;
     }
     LUMO_LINE(m_logger, Trace, "Async. " << name << "()");
-    Platform::startThread([this, operation, copies = std::tuple<std::decay_t<Parameters>...>(arguments...)] {
+    Platform::startThread([this, operation, running, copies = std::tuple(arguments...)] {
         try {
             std::apply([&](const auto&... copied) { (this->*operation)(copied...); }, copies);
         } catch (...) {

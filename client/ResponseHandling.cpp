@@ -2,6 +2,7 @@
 
 #include "BoundedExchange.h"
 #include "JsonBudget.h"
+#include "Module.h"
 #include "RestText.h"
 #include "VantryApi.h"
 
@@ -142,12 +143,12 @@ json::value handleResponse(http_response& response)
 
 const json::value& member(const json::value& object, const utility::char_t* name)
 {
-    static const json::value none;
+    static const Platform::ModuleObject<json::value> none;
     if (!object.is_object()) {
-        return none;
+        return none.object;
     }
     const auto found = object.as_object().find(name);
-    return found == object.as_object().end() ? none : found->second;
+    return found == object.as_object().end() ? none.object : found->second;
 }
 
 std::wstring jsonText(const json::value& value)

@@ -84,7 +84,7 @@ public:
                                     const web::json::value& body);
 
     /// Logger of everything but the exports.
-    static log4cxx::LoggerPtr m_logger;
+    static log4cxx::LoggerPtr& m_logger;
 
 private:
     using BodyReader = std::function<web::json::value(web::http::http_response&)>;

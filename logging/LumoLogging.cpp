@@ -1,5 +1,7 @@
 #include "LumoLogging.h"
 
+#include "Module.h"
+
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -24,8 +26,8 @@ struct HiddenSecrets
 /// Made when it is first asked for, so that it is there whenever a module's object logs.
 HiddenSecrets& hidden()
 {
-    static HiddenSecrets secrets;
-    return secrets;
+    static Platform::ModuleObject<HiddenSecrets> secrets;
+    return secrets.object;
 }
 
 std::shared_ptr<const Secrets> hiddenSecrets()

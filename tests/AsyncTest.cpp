@@ -237,6 +237,25 @@ TEST_F(Asynchronous, AProcessMayEndWhileACallRunsOverHttps)
     }
 }
 
+/// What an operation uses is destroyed at the end of the process, but not while the operation runs.
+TEST_F(Asynchronous, TheEndOfTheProcessLeavesARunningCallWhatItUses)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    CapturedLog::setLevel(log4cxx::Level::getOff());
+    sandbox.plan(Answer(200).held());
+    const auto end = [](bool whileACallRuns) {
+        const auto tell = [](void*) { std::cerr << "The callback is destroyed.\n"; };
+        SetValidateCertificateCallback(
+            [held = std::shared_ptr<void>(nullptr, tell)](const CERT_CONTEXT&) { return held == nullptr; });
+        if (whileACallRuns) {
+            CreateSession();
+        }
+        std::exit(EXIT_SUCCESS);
+    };
+    EXPECT_EXIT(end(false), testing::ExitedWithCode(EXIT_SUCCESS), "The callback is destroyed.");
+    EXPECT_EXIT(end(true), testing::ExitedWithCode(EXIT_SUCCESS), "^$");
+}
+
 /// An answer with a number where a text belongs: without a window the exception would reach the host.
 TEST_F(Asynchronous, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
 {

@@ -5,7 +5,6 @@
 
 #include <log4cxx/logmanager.h>
 
-#include <atomic>
 #include <exception>
 #include <memory>
 #include <system_error>
@@ -14,7 +13,6 @@
 namespace
 {
 HINSTANCE ownModule = nullptr;
-std::atomic<unsigned> runningThreads = 0;
 const auto loggers = log4cxx::LogManager::getLoggerRepository();
 
 struct EndingThread
@@ -37,7 +35,6 @@ DWORD WINAPI runWork(LPVOID argument) noexcept
 {
     const std::unique_ptr<std::function<void()>> work(static_cast<std::function<void()>*>(argument));
     (*work)();
-    --runningThreads;
     return 0;
 }
 
@@ -65,7 +62,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID endOfProce
         ownModule = module;
         prepareThreadStorage();
         Platform::runTasksWithModuleHeld();
-    } else if (reason == DLL_PROCESS_DETACH && endOfProcess != nullptr && runningThreads != 0) {
+    } else if (reason == DLL_PROCESS_DETACH && endOfProcess != nullptr && Platform::RunningWork::exists()) {
         keepAppendersOpen();
     }
     return TRUE;
@@ -84,11 +81,9 @@ void Platform::startThread(std::function<void()> work)
 {
     auto owned = std::make_unique<std::function<void()>>(std::move(work));
     auto ending = std::make_unique<EndingThread>(EndingThread{holdModule(), nullptr});
-    ++runningThreads;
     ending->thread = CreateThread(nullptr, 0, &runWork, owned.get(), 0, nullptr);
     if (ending->thread == nullptr) { // ERROR_NOT_ENOUGH_MEMORY, ERROR_MAX_THRDS_REACHED
         const auto error = static_cast<int>(GetLastError());
-        --runningThreads;
         FreeLibrary(ending->module); // not the last reference: this code is still running
         throw std::system_error(error, std::system_category(), "CreateThread");
     }
