@@ -10,6 +10,7 @@
 
 using Platform::fromRestText;
 using Platform::toRestText;
+using Platform::utf8OfRestText;
 using web::uri;
 using web::http::methods;
 
@@ -28,7 +29,7 @@ ServerAnswer CVantryApi::unsafe_sendRequest(const uri& requestUri, const std::ws
     if (request.method() == methods::POST || request.method() == methods::PUT) {
         auto text = body.serialize();
         LUMO_INFO(log, L"We are sending request with data: " << fromRestText(text));
-        request.set_body(std::move(text), U("text/plain"));
+        request.set_body(utf8OfRestText(std::move(text)), "text/plain");
         request.headers().set_content_type(U("application/json"));
     }
 

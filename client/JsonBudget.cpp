@@ -9,8 +9,8 @@ namespace
 {
 using Character = utility::char_t;
 
-constexpr std::uint64_t budget = 1536ULL * 1024 * 1024;
-constexpr std::uint64_t ofCharacter = 3 * sizeof(Character); ///< received, converted, and in the value
+constexpr std::uint64_t budget = 2048ULL * 1024 * 1024;
+constexpr std::uint64_t ofCharacter = 1 + 2 * sizeof(Character); ///< received, converted, and in the value
 constexpr std::uint64_t ofValue = 96;   ///< with its place in the array or object it is in
 constexpr std::uint64_t ofListed = 128; ///< a record of the list, for each value of the outermost
 
@@ -64,7 +64,7 @@ void requireAffordable(const utility::string_t& json)
 {
     if (memoryOfJson(json) > budget) {
         throw web::json::json_exception(
-            "The answer of the server holds more values than fit into 1.5 GiB of memory.");
+            "The answer of the server holds more values than fit into 2 GiB of memory.");
     }
 }
 } // namespace VantryIntegrationApi::Utils

@@ -12,6 +12,6 @@ namespace VantryIntegrationApi::Utils
 /// may stand for a value that takes a hundred times as much.
 std::uint64_t memoryOfJson(const utility::string_t& json);
 
-/// @throws web::json::json_exception if reading `json` may take more than 1.5 GiB
+/// @throws web::json::json_exception if reading `json` may take more than 2 GiB
 void requireAffordable(const utility::string_t& json);
 } // namespace VantryIntegrationApi::Utils

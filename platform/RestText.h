@@ -12,6 +12,9 @@ namespace Platform
 /// @throws std::range_error if `text` is malformed
 utility::string_t toRestText(const std::wstring& text);
 
+/// @throws std::range_error if `text` is malformed
+std::string utf8OfRestText(utility::string_t text);
+
 /// Wide text of what a server sent: whatever in it is no well-formed text becomes U+FFFD.
 std::wstring fromRestText(const utility::string_t& text);
 

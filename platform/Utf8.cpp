@@ -86,6 +86,11 @@ std::wstring fromUtf8(std::string_view utf8)
     return wide;
 }
 
+std::size_t asciiLength(std::wstring_view text)
+{
+    return static_cast<std::size_t>(endOfAscii(text.data(), text.data() + text.size()) - text.data());
+}
+
 bool isUtf8(std::string_view text)
 {
     const auto* const end = text.data() + text.size();

@@ -14,6 +14,9 @@ void appendUtf8(std::string& to, const std::wstring& text);
 /// Whatever in `utf8` is no well-formed text becomes U+FFFD.
 std::wstring fromUtf8(std::string_view utf8);
 
+/// How many characters of ASCII `text` begins with.
+std::size_t asciiLength(std::wstring_view text);
+
 /// Whether all of `text` is well-formed.
 bool isUtf8(std::string_view text);
 } // namespace Platform

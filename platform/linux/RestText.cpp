@@ -9,6 +9,11 @@ utility::string_t toRestText(const std::wstring& text)
     return toUtf8(text);
 }
 
+std::string utf8OfRestText(utility::string_t text)
+{
+    return text;
+}
+
 std::wstring fromRestText(const utility::string_t& text)
 {
     return fromUtf8(text);

@@ -17,6 +17,11 @@ utility::string_t toRestText(const std::wstring& text)
     return text;
 }
 
+std::string utf8OfRestText(utility::string_t text) // NOLINT(performance-unnecessary-value-param): as on Linux
+{
+    return toUtf8(text);
+}
+
 std::wstring fromRestText(const utility::string_t& text)
 {
     constexpr wchar_t replacement = 0xFFFD;
