@@ -34,9 +34,7 @@ std::string forHost(std::string utf8)
 
 void appendForHost(std::string& to, const std::wstring& text)
 {
-    if (text.find(L'\0') == std::wstring::npos) {
-        Platform::appendUtf8(to, text);
-    } else {
+    if (!Platform::appendAscii(to, text)) {
         to += forHost(text);
     }
 }

@@ -11,7 +11,7 @@ namespace utf = boost::locale::utf;
 
 namespace
 {
-/// The first character that is not ASCII, or the end. Most text is nothing but ASCII, for which there is no
+/// The first character that is not ASCII or is zero, or the end. Most text has none, for which there is no
 /// need to convert one character after the other.
 template <typename Character>
 const Character* endOfAscii(const Character* from, const Character* end)
@@ -21,14 +21,17 @@ const Character* endOfAscii(const Character* from, const Character* end)
     constexpr std::ptrdiff_t block = 32; // looked at together, with the processor's wide registers
     for (; end - from >= block; from += block) {
         Unsigned bits = 0;
+        Unsigned zeros = 0;
         for (std::ptrdiff_t i = 0; i < block; ++i) {
             bits |= static_cast<Unsigned>(from[i]);
+            zeros |= static_cast<Unsigned>(from[i] == 0);
         }
-        if (bits >= firstOther) {
+        if (bits >= firstOther || zeros != 0) {
             break;
         }
     }
-    return std::find_if(from, end, [](Character next) { return static_cast<Unsigned>(next) >= firstOther; });
+    return std::find_if(
+        from, end, [](Character next) { return next == 0 || static_cast<Unsigned>(next) >= firstOther; });
 }
 
 template <typename Text>
@@ -44,24 +47,26 @@ namespace Platform
 std::string toUtf8(const std::wstring& text)
 {
     std::string utf8;
-    appendUtf8(utf8, text);
-    return utf8;
-}
-
-void appendUtf8(std::string& to, const std::wstring& text)
-{
-    if (isAscii(text)) {
-        const auto start = to.size();
-        to.resize(start + text.size());
-        std::transform(text.begin(), text.end(), to.begin() + static_cast<std::ptrdiff_t>(start),
-                       [](wchar_t character) { return static_cast<char>(character); });
-        return;
+    if (appendAscii(utf8, text)) {
+        return utf8;
     }
     try {
-        to += boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
+        return boost::locale::conv::utf_to_utf<char>(text, boost::locale::conv::stop);
     } catch (const boost::locale::conv::conversion_error&) {
         throw std::range_error("malformed wide text");
     }
+}
+
+bool appendAscii(std::string& to, const std::wstring& text)
+{
+    if (!isAscii(text)) {
+        return false;
+    }
+    const auto start = to.size();
+    to.resize(start + text.size());
+    std::transform(text.begin(), text.end(), to.begin() + static_cast<std::ptrdiff_t>(start),
+                   [](wchar_t character) { return static_cast<char>(character); });
+    return true;
 }
 
 std::wstring fromUtf8(std::string_view utf8)
