@@ -1,39 +1,47 @@
 #pragma once
 
-#include "CertificateQuestion.h"
-#include "Operations.h"
-#include "Settings.h"
+#include <windows.h>
 
+#include "CertificateInfo.h"
+#include "Settings.h"
+#include "TAVIKVANTRYAPI.h"
+
+#include <cstdint>
 #include <deque>
 #include <filesystem>
-#include <memory>
+#include <functional>
+#include <optional>
+#include <set>
 #include <string>
 
-/// What the commands take from the window and show in it.
-class CommandsView : public OperationsView
+class MainWindow;
+
+/// Sent to the window by an operation's thread, which waits for `Commands::isTrusted` of the
+/// `CertificateInfo`.
+constexpr UINT WM_ASK_ABOUT_CERTIFICATE = WM_APP + 1;
+
+/// One operation of the library and what follows on its end. Every function runs on the window's thread.
+struct Operation
 {
-public:
-    virtual HWND handle() const = 0;
-    virtual Settings settings() const = 0;
-    virtual std::wstring selectedTicket() const = 0;
-    virtual void showTickets(std::vector<TicketListEntry> tickets, const std::wstring& selectedId) = 0;
-    virtual void showStatus(const std::wstring& status) = 0;
-    /// Tells that a command needs something else in a field first.
-    virtual void showWrongEntry(int field, const std::wstring& explanation) = 0;
+    std::wstring progress;                ///< what the person reads meanwhile
+    std::wstring failure;                 ///< what a failure means for the person
+    std::int32_t successCode;             ///< of the operation's kind
+    std::function<void()> start;          ///< calls the export
+    std::function<void()> succeeded = {}; ///< takes the results over; may be empty
+    std::function<void()> failed = {};    ///< may be empty
+    std::function<void()> next = {}; ///< goes on after a success, with another operation say; may be empty
 };
 
 /// The window's commands: each checks what was entered, starts an operation and says what follows. The window
-/// calls one only if `isAllowed`.
+/// calls one only if `isAllowed`, so that one operation runs at a time. The library neither refuses a second
+/// one nor guards its results: whoever starts one while another runs, or reads results meanwhile, races with
+/// the library's thread.
 class Commands
 {
 public:
-    Commands(CommandsView& view, Operations& operations);
-    ~Commands();
-    Commands(const Commands&) = delete;
-    Commands(Commands&&) = delete;
-    Commands& operator=(const Commands&) = delete;
-    Commands& operator=(Commands&&) = delete;
+    explicit Commands(MainWindow& window);
 
+    bool isRunning() const { return m_running.has_value(); }
     bool isSessionOpen() const { return m_isSessionOpen; }
     bool isAllowed(int command) const;
     /// Ticket of the note that files go to; empty: there is none.
@@ -44,18 +52,35 @@ public:
     void showTickets();
     void newTicket();
     void addNote();
+    void attachChosenFiles();
+    /// If it is allowed now: files can be dropped at any time.
     void attachFiles(std::deque<std::filesystem::path> files);
 
-    CertificateQuestion& certificateQuestion() { return *m_certificateQuestion; }
+    /// The library asks in every operation; the person is asked until a certificate is trusted, which then
+    /// holds until the program ends.
+    bool isTrusted(const CertificateInfo& certificate);
+
+    /// The question that waits and all that come are answered by a refusal, for the window is closing.
+    void refuseCertificates();
+
+    /// On `WM_ASYNC_REQUEST_FINISHED`.
+    void finished();
+
+    /// From now on an operation that ends is the last of its chain, and a failure is not told.
+    void wrapUp() { m_isWrappingUp = true; }
 
 private:
     bool checkEntity();
     void listTickets(const std::wstring& selectedId);
     void attachNext();
+    void run(Operation operation);
+    void end(const ResponseStatus& response);
 
-    CommandsView& m_view;
-    Operations& m_operations;
-    std::shared_ptr<CertificateQuestion> m_certificateQuestion; ///< shared with the library's callback
+    MainWindow& m_window;
+    std::optional<Operation> m_running;
+    bool m_isWrappingUp = false;
+    std::set<std::wstring> m_trusted; ///< fingerprints
+    bool m_isRefusing = false;
     bool m_isSessionOpen = false;
     std::wstring m_notedTicket; ///< of the note saved last, which files are attached to
     std::deque<std::filesystem::path> m_filesToAttach;

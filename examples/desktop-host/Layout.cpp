@@ -42,6 +42,13 @@ RECT placeIn(HWND dialog, int id)
     return place;
 }
 
+SIZE outerSize(HWND window)
+{
+    RECT outline{};
+    GetWindowRect(window, &outline);
+    return {outline.right - outline.left, outline.bottom - outline.top};
+}
+
 SIZE clientSize(HWND window)
 {
     RECT client{};
@@ -51,12 +58,10 @@ SIZE clientSize(HWND window)
 } // namespace
 
 Layout::Layout(HWND dialog)
-    : m_dialog(dialog), m_dpi(GetDpiForWindow(dialog)), m_clientSize(clientSize(dialog))
+    : m_dialog(dialog), m_dpi(GetDpiForWindow(dialog)), m_dialogSize(outerSize(dialog)),
+      m_clientSize(clientSize(dialog)),
+      m_logHeight(placeIn(dialog, IDC_LOG).bottom - placeIn(dialog, IDC_NEW_TICKET).bottom)
 {
-    RECT outline{};
-    GetWindowRect(dialog, &outline);
-    m_dialogSize = {outline.right - outline.left, outline.bottom - outline.top};
-    m_logHeight = placeIn(dialog, IDC_LOG).bottom - placeIn(dialog, IDC_NEW_TICKET).bottom;
     for (const auto& control : controls) {
         m_places.push_back(placeIn(dialog, control.id));
     }

@@ -9,7 +9,6 @@
 class Layout
 {
 public:
-    Layout() = default;
     explicit Layout(HWND dialog);
 
     /// @param hasLog whether the log takes its part, or leaves it to the list
@@ -22,10 +21,10 @@ public:
     int scaled(int value) const;
 
 private:
-    HWND m_dialog = nullptr;
-    UINT m_dpi = USER_DEFAULT_SCREEN_DPI;
-    SIZE m_dialogSize{};
-    SIZE m_clientSize{};
-    int m_logHeight = 0; ///< which the list has while the log is hidden
+    HWND m_dialog;
+    UINT m_dpi;
+    SIZE m_dialogSize;
+    SIZE m_clientSize;
+    int m_logHeight; ///< which the list has while the log is hidden
     std::vector<RECT> m_places;
 };

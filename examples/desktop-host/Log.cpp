@@ -1,5 +1,7 @@
 #include "Log.h"
 
+#include <commctrl.h>
+
 #include <log4cxx/appenderskeleton.h>
 #include <log4cxx/basicconfigurator.h>
 #include <log4cxx/helpers/pool.h>
@@ -9,6 +11,7 @@
 #include <log4cxx/logmanager.h>
 #include <log4cxx/patternlayout.h>
 
+#include <cstdlib>
 #include <utility>
 
 namespace log4cxx // its macros look names up from here
@@ -40,40 +43,47 @@ protected:
 IMPLEMENT_LOG4CXX_OBJECT(QueueAppender)
 } // namespace log4cxx
 
-void LogQueue::setWindow(HWND window)
+namespace
+{
+constexpr int longest = 256 * 1024; ///< characters, of the pane and of the queue
+
+/// A text field of several lines wants Tab, Enter and Esc for itself; this one leaves them to the window.
+LRESULT CALLBACK leaveKeys(HWND pane, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR /*id*/,
+                           DWORD_PTR /*data*/)
+{
+    const LRESULT result = DefSubclassProc(pane, message, wParam, lParam);
+    return message == WM_GETDLGCODE ? result & ~(DLGC_WANTALLKEYS | DLGC_WANTTAB | DLGC_HASSETSEL) : result;
+}
+
+void removeOldest(HWND pane, int length)
+{
+    const auto line = SendMessageW(pane, EM_LINEFROMCHAR, static_cast<WPARAM>(length), 0);
+    SendMessageW(pane, EM_SETSEL, 0, SendMessageW(pane, EM_LINEINDEX, static_cast<WPARAM>(line + 1), 0));
+    SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
+}
+} // namespace
+
+void LogQueue::add(const std::wstring& line)
 {
     const std::lock_guard lock(m_mutex);
-    m_window = window;
-    if (m_window != nullptr && !m_lines.empty()) {
+    if (m_lines.empty()) {
         PostMessageW(m_window, WM_LOG_LINES, 0, 0);
     }
+    m_lines += line;
+    if (m_lines.size() > longest) {
+        m_lines.erase(0, m_lines.find(L'\n', m_lines.size() - longest) + 1);
+    }
 }
 
-void LogQueue::add(std::wstring line)
+std::wstring LogQueue::take()
 {
     const std::lock_guard lock(m_mutex);
-    if (m_lines.empty() && m_window != nullptr) {
-        PostMessageW(m_window, WM_LOG_LINES, 0, 0);
-    }
-    m_lines.push_back(std::move(line));
-    if (m_lines.size() > limit) {
-        m_lines.pop_front();
-        ++m_lost;
-    }
+    return std::exchange(m_lines, {});
 }
 
-std::deque<std::wstring> LogQueue::take()
+std::shared_ptr<LogQueue> startLog(HWND window)
 {
-    const std::lock_guard lock(m_mutex);
-    auto lines = std::exchange(m_lines, {});
-    if (m_lost > 0) {
-        lines.push_front(L"(" + std::to_wstring(std::exchange(m_lost, 0)) + L" lines are missing here)\r\n");
-    }
-    return lines;
-}
-
-Log::Log(const std::shared_ptr<LogQueue>& queue)
-{
+    const auto queue = std::make_shared<LogQueue>(window);
     const auto appender = std::make_shared<log4cxx::QueueAppender>();
     appender->queue = queue;
     appender->setLayout(
@@ -82,9 +92,27 @@ Log::Log(const std::shared_ptr<LogQueue>& queue)
     log4cxx::BasicConfigurator::resetConfiguration();
     log4cxx::BasicConfigurator::configure(appender);
     log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getInfo());
+    std::atexit(log4cxx::LogManager::shutdown);
+    return queue;
 }
 
-Log::~Log()
+void prepareLogPane(HWND pane)
 {
-    log4cxx::LogManager::shutdown();
+    SendMessageW(pane, EM_SETLIMITTEXT, 2 * longest, 0);
+    SetWindowSubclass(pane, &leaveKeys, 0, 0);
+}
+
+void showInLogPane(HWND pane, const std::wstring& lines)
+{
+    SendMessageW(pane, WM_SETREDRAW, FALSE, 0);
+    const int excess = GetWindowTextLengthW(pane) + static_cast<int>(lines.size()) - longest;
+    if (excess > 0) {
+        removeOldest(pane, excess);
+    }
+    const int end = GetWindowTextLengthW(pane);
+    SendMessageW(pane, EM_SETSEL, static_cast<WPARAM>(end), end);
+    SendMessageW(pane, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(lines.c_str()));
+    SendMessageW(pane, WM_SETREDRAW, TRUE, 0);
+    SendMessageW(pane, EM_SCROLLCARET, 0, 0);
+    InvalidateRect(pane, nullptr, FALSE);
 }

@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <cstddef>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -12,37 +10,27 @@
 constexpr UINT WM_LOG_LINES = WM_APP + 2;
 
 /// Carries the lines of the log from any thread to the window's. No logging thread ever waits for the window:
-/// a window that does not keep up loses the oldest lines, which is told in their place.
+/// a window that does not keep up loses the oldest lines, as the pane does.
 class LogQueue
 {
 public:
-    /// Null: lines wait until there is a window, or are of no use any more.
-    void setWindow(HWND window);
+    explicit LogQueue(HWND window) : m_window(window) {}
 
-    void add(std::wstring line);
-    std::deque<std::wstring> take();
+    void add(const std::wstring& line);
+    std::wstring take();
 
 private:
-    static constexpr std::size_t limit = 1000;
-
-    std::mutex m_mutex; ///< of all below
-    HWND m_window = nullptr;
-    std::deque<std::wstring> m_lines;
-    std::size_t m_lost = 0;
+    const HWND m_window;
+    std::mutex m_mutex;
+    std::wstring m_lines; ///< with the mutex
 };
 
-/// The log4cxx configuration of the process: everything from level info on goes into the queue. The library
+/// Lets log4cxx put everything from level info on into a queue, and finish when the process ends. The library
 /// logs texts of tickets and the session's key at that level; think of it before a log goes into a file.
-class Log
-{
-public:
-    explicit Log(const std::shared_ptr<LogQueue>& queue);
+std::shared_ptr<LogQueue> startLog(HWND window);
 
-    /// Lets log4cxx finish before the process does.
-    ~Log();
+/// Makes a read-only text field of the dialog the pane that shows the log: lines can be selected and copied.
+void prepareLogPane(HWND pane);
 
-    Log(const Log&) = delete;
-    Log(Log&&) = delete;
-    Log& operator=(const Log&) = delete;
-    Log& operator=(Log&&) = delete;
-};
+/// Shows lines below those that are there, of which the oldest go when there are too many.
+void showInLogPane(HWND pane, const std::wstring& lines);

@@ -1,90 +1,73 @@
 #include "MainWindow.h"
-#include "Controls.h"
+#include "Dialogs.h"
 #include "Failure.h"
 #include "FileToAttach.h"
-#include "LogPane.h"
 #include "resource.h"
 
 #include <commctrl.h>
 
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include <cwchar>
+#include <map>
+#include <system_error>
 #include <utility>
 
 namespace
 {
-constexpr const wchar_t* className = L"VantryDesktopHost";
+const std::map<int, void (Commands::*)()> commands{
+    {IDC_OPEN_SESSION, &Commands::openSession}, {IDC_CLOSE_SESSION, &Commands::closeSession},
+    {IDC_SHOW_TICKETS, &Commands::showTickets}, {IDC_NEW_TICKET, &Commands::newTicket},
+    {IDC_ADD_NOTE, &Commands::addNote},         {IDC_ATTACH_FILE, &Commands::attachChosenFiles}};
 
-constexpr std::array commands{IDC_OPEN_SESSION, IDC_CLOSE_SESSION, IDC_SHOW_TICKETS,
-                              IDC_NEW_TICKET,   IDC_ADD_NOTE,      IDC_ATTACH_FILE};
-
-bool isCommand(int id)
+/// Still hidden.
+HWND createWindow(DLGPROC procedure)
 {
-    return std::find(commands.begin(), commands.end(), id) != commands.end();
-}
-
-/// That of dialogs, but with an icon, and found by its name.
-void registerClass()
-{
-    HINSTANCE const module = GetModuleHandleW(nullptr);
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = DefDlgProcW;
-    windowClass.cbWndExtra = DLGWINDOWEXTRA;
-    windowClass.hInstance = module;
-    windowClass.hIcon = LoadIconW(module, MAKEINTRESOURCEW(IDI_APPLICATION_ICON));
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = GetSysColorBrush(COLOR_3DFACE);
-    windowClass.lpszClassName = className;
-    if (RegisterClassExW(&windowClass) == 0) {
-        throwLastError("RegisterClassEx");
+    HWND const window =
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_MAIN), nullptr, procedure, 0);
+    if (window == nullptr) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                                "CreateDialogParam");
     }
-}
-
-bool startsWith(const std::wstring& text, std::wstring_view start, bool isCaseIgnored)
-{
-    const auto length = static_cast<int>(start.size());
-    return text.size() >= start.size() && CompareStringOrdinal(text.c_str(), length, start.data(), length,
-                                                               isCaseIgnored ? TRUE : FALSE) == CSTR_EQUAL;
+    return window;
 }
 
 const wchar_t* warningOf(const std::wstring& endPoint, bool isTrial)
 {
-    if (startsWith(endPoint, L"http:", true)) {
+    if (_wcsnicmp(endPoint.c_str(), L"http:", 5) == 0) {
         return isTrial
                    ? L"A trial on this computer, over plain http: for https a certificate would have to be "
                      L"installed."
                    : L"Not encrypted: anyone on the way can read the password and all texts. Use https.";
     }
-    if (startsWith(endPoint, L"https:", true) && !startsWith(endPoint, L"https:", false)) {
+    if (_wcsnicmp(endPoint.c_str(), L"https:", 6) == 0 && endPoint.compare(0, 6, L"https:") != 0) {
         return L"Write https in small letters: else the server's certificate is not checked.";
     }
     return L"";
 }
 } // namespace
 
-MainWindow::MainWindow(const Settings& settings, std::shared_ptr<LogQueue> log, int showCommand)
-    : m_initial(settings), m_log(std::move(log))
+MainWindow::MainWindow(const Settings& settings)
+    : m_initial(settings), m_window(createWindow(&dispatch)), m_log(startLog(m_window)), m_layout(m_window),
+      m_tickets(GetDlgItem(m_window, IDC_TICKETS), settings.columnWidths), m_commands(*this)
 {
-    registerClass();
-    if (CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_MAIN), nullptr, &dispatch,
-                           reinterpret_cast<LPARAM>(this)) == nullptr) {
-        throwLastError("CreateDialogParam");
-    }
+    SetWindowLongPtrW(m_window, DWLP_USER, reinterpret_cast<LONG_PTR>(this));
+    SendMessageW(m_window, WM_SETICON, ICON_BIG,
+                 reinterpret_cast<LPARAM>(
+                     LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_APPLICATION_ICON))));
+    prepareLogPane(GetDlgItem(m_window, IDC_LOG));
+    SetDlgItemTextW(m_window, IDC_ENDPOINT, settings.endPoint.c_str());
+    SetDlgItemTextW(m_window, IDC_USER, settings.userName.c_str());
+    SetDlgItemTextW(m_window, IDC_PASSWORD, settings.password.c_str());
+    SetDlgItemTextW(m_window, IDC_ENTITY_ID, settings.entityId.c_str());
+    CheckRadioButton(m_window, IDC_CLIENT, IDC_ASSET, settings.isAsset ? IDC_ASSET : IDC_CLIENT);
+    focusOn(GetDlgItem(m_window, IDC_ENDPOINT));
+    showLog(false);
+    showIdle();
+    showStatus(L"Enter the endpoint and the credentials, then open a session.");
+}
+
+void MainWindow::run(int showCommand)
+{
     ShowWindow(m_window, showCommand);
-}
-
-MainWindow::~MainWindow()
-{
-    if (m_window != nullptr) {
-        DestroyWindow(m_window);
-    }
-    UnregisterClassW(className, GetModuleHandleW(nullptr));
-}
-
-void MainWindow::run()
-{
     HACCEL const accelerators =
         LoadAcceleratorsW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDR_ACCELERATORS));
     MSG message;
@@ -97,32 +80,9 @@ void MainWindow::run()
     }
 }
 
-void MainWindow::initialise(HWND window)
-{
-    m_window = window;
-    m_layout = Layout(window);
-    m_tickets = TicketList(GetDlgItem(window, IDC_TICKETS), m_initial.columnWidths);
-    LogPane::prepare(GetDlgItem(window, IDC_LOG));
-    m_commands = std::make_unique<Commands>(static_cast<CommandsView&>(*this), m_operations);
-    SetDlgItemTextW(window, IDC_ENDPOINT, m_initial.endPoint.c_str());
-    SetDlgItemTextW(window, IDC_USER, m_initial.userName.c_str());
-    SetDlgItemTextW(window, IDC_PASSWORD, m_initial.password.c_str());
-    SetDlgItemTextW(window, IDC_ENTITY_ID, m_initial.entityId.c_str());
-    CheckRadioButton(window, IDC_CLIENT, IDC_ASSET, m_initial.isAsset ? IDC_ASSET : IDC_CLIENT);
-    showLog(false);
-    showIdle();
-    showStatus(L"Enter the endpoint and the credentials, then open a session.");
-    m_log->setWindow(window);
-}
-
 /// No exception may pass through Windows' own functions.
 INT_PTR CALLBACK MainWindow::dispatch(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(window, DWLP_USER, lParam);
-        reinterpret_cast<MainWindow*>(lParam)->initialise(window);
-        return TRUE;
-    }
     auto* const self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, DWLP_USER));
     if (message == WM_CTLCOLORSTATIC && GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == IDC_ENDPOINT_HINT) {
         SetTextColor(reinterpret_cast<HDC>(wParam), RGB(0xA0, 0x20, 0x00));
@@ -136,13 +96,14 @@ bool MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case WM_ASYNC_REQUEST_FINISHED:
-        m_operations.finished();
+        m_commands.finished();
         return true;
     case WM_ASK_ABOUT_CERTIFICATE:
-        m_commands->certificateQuestion().ask(serverName());
+        SetWindowLongPtrW(m_window, DWLP_MSGRESULT,
+                          m_commands.isTrusted(*reinterpret_cast<const CertificateInfo*>(lParam)) ? 1 : 0);
         return true;
     case WM_LOG_LINES:
-        LogPane::show(GetDlgItem(m_window, IDC_LOG), *m_log);
+        showInLogPane(GetDlgItem(m_window, IDC_LOG), m_log->take());
         return true;
     case WM_COMMAND:
         control(LOWORD(wParam), HIWORD(wParam));
@@ -150,13 +111,9 @@ bool MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_NOTIFY:
         notify(*reinterpret_cast<NMHDR*>(lParam));
         return true;
-    case WM_DROPFILES: {
-        auto files = droppedFiles(reinterpret_cast<HDROP>(wParam));
-        if (m_commands->isAllowed(IDC_ATTACH_FILE)) {
-            m_commands->attachFiles(std::move(files));
-        }
+    case WM_DROPFILES:
+        m_commands.attachFiles(droppedFiles(reinterpret_cast<HDROP>(wParam)));
         return true;
-    }
     case WM_SIZE:
         arrange();
         return true;
@@ -170,13 +127,8 @@ bool MainWindow::handle(UINT message, WPARAM wParam, LPARAM lParam)
         if (!m_initial.isTrial) {
             rememberColumns(m_tickets.widths());
         }
-        m_log->setWindow(nullptr);
-        m_commands->certificateQuestion().refuse();
         PostQuitMessage(0);
         return true;
-    case WM_NCDESTROY:
-        SetWindowLongPtrW(std::exchange(m_window, nullptr), DWLP_USER, 0);
-        return false;
     default:
         return false;
     }
@@ -197,42 +149,17 @@ void MainWindow::control(int id, int event)
 
 void MainWindow::command(int id)
 {
-    if (isCommand(id) && !m_commands->isAllowed(id)) {
-        return;
-    }
-    switch (id) {
-    case IDC_OPEN_SESSION:
-        m_commands->openSession();
-        break;
-    case IDC_CLOSE_SESSION:
-        m_commands->closeSession();
-        break;
-    case IDC_SHOW_TICKETS:
-        m_commands->showTickets();
-        break;
-    case IDC_NEW_TICKET:
-        m_commands->newTicket();
-        break;
-    case IDC_ADD_NOTE:
-        m_commands->addNote();
-        break;
-    case IDC_ATTACH_FILE:
-        m_commands->attachFiles(chooseFiles(m_window));
-        break;
-    case IDC_SHOW_LOG:
+    const auto found = commands.find(id);
+    if (found != commands.end()) {
+        if (m_commands.isAllowed(id)) {
+            (m_commands.*found->second)();
+        }
+    } else if (id == IDC_SHOW_LOG) {
         showLog(!m_hasLog);
-        break;
-    case IDC_SORT_TICKET:
-    case IDC_SORT_SUBJECT:
-    case IDC_SORT_CLIENT:
-    case IDC_SORT_DETAIL:
+    } else if (id >= IDC_SORT_TICKET && id <= IDC_SORT_DETAIL) {
         m_tickets.sortBy(id - IDC_SORT_TICKET);
-        break;
-    case IDC_EXIT:
+    } else if (id == IDC_EXIT) {
         close();
-        break;
-    default:
-        break;
     }
 }
 
@@ -291,21 +218,21 @@ void MainWindow::updateControls()
 {
     enableCommands();
     for (const int id : {IDC_ENDPOINT, IDC_USER, IDC_PASSWORD}) {
-        enableControl(m_window, id, m_commands->isAllowed(IDC_OPEN_SESSION));
+        enableControl(m_window, id, m_commands.isAllowed(IDC_OPEN_SESSION));
     }
     for (const int id : {IDC_CLIENT, IDC_ASSET, IDC_ENTITY_ID}) {
-        enableControl(m_window, id, m_commands->isAllowed(IDC_SHOW_TICKETS));
+        enableControl(m_window, id, m_commands.isAllowed(IDC_SHOW_TICKETS));
     }
-    const bool canAttach = m_commands->isAllowed(IDC_ATTACH_FILE);
+    const bool canAttach = m_commands.isAllowed(IDC_ATTACH_FILE);
     DragAcceptFiles(m_window, canAttach ? TRUE : FALSE);
-    const std::wstring hint = L"to the note on ticket " + m_commands->notedTicket() + L", or drop them";
+    const std::wstring hint = L"to the note on ticket " + m_commands.notedTicket() + L", or drop them";
     SetDlgItemTextW(m_window, IDC_FILE_HINT, canAttach ? hint.c_str() : L"");
 }
 
 void MainWindow::enableCommands()
 {
-    for (const int id : commands) {
-        const bool isAllowed = m_commands->isAllowed(id);
+    for (const auto& [id, command] : commands) {
+        const bool isAllowed = m_commands.isAllowed(id);
         enableControl(m_window, id, isAllowed);
         EnableMenuItem(GetMenu(m_window), static_cast<UINT>(id), isAllowed ? MF_ENABLED : MF_GRAYED);
     }
@@ -317,11 +244,11 @@ void MainWindow::chooseDefault()
 {
     const int focus = GetDlgCtrlID(GetFocus());
     int chosen = IDC_OPEN_SESSION;
-    if (isCommand(focus)) {
+    if (commands.count(focus) != 0) {
         chosen = focus;
-    } else if (focus == IDC_TICKETS && m_commands->isAllowed(IDC_ADD_NOTE)) {
+    } else if (focus == IDC_TICKETS && m_commands.isAllowed(IDC_ADD_NOTE)) {
         chosen = IDC_ADD_NOTE;
-    } else if (m_commands->isSessionOpen()) {
+    } else if (m_commands.isSessionOpen()) {
         chosen = IDC_SHOW_TICKETS;
     }
     SendMessageW(m_window, DM_SETDEFID, static_cast<WPARAM>(chosen), 0);
@@ -336,30 +263,20 @@ void MainWindow::focusOn(HWND control) const
 /// The library still needs the window while an operation runs. Then the session is closed, too.
 void MainWindow::close()
 {
-    if (m_operations.isRunning()) {
+    if (m_commands.isRunning()) {
         m_isClosing = true;
-        m_operations.wrapUp();
-        m_commands->certificateQuestion().refuse();
+        m_commands.wrapUp();
+        m_commands.refuseCertificates();
         showStatus(L"Waiting for the server's answer, then closing…");
     } else if (IsWindowEnabled(m_window) == FALSE) {
         MessageBeep(MB_OK); // a dialog is open
-    } else if (m_commands->isSessionOpen()) {
+    } else if (m_commands.isSessionOpen()) {
         m_isClosing = true;
-        m_operations.wrapUp();
-        m_commands->closeSession();
+        m_commands.wrapUp();
+        m_commands.closeSession();
     } else {
         DestroyWindow(m_window);
     }
-}
-
-/// Of the endpoint: host and port.
-std::wstring MainWindow::serverName() const
-{
-    std::wstring name = controlText(m_window, IDC_ENDPOINT);
-    const auto scheme = name.find(L"://");
-    name.erase(0, scheme == std::wstring::npos ? 0 : scheme + 3);
-    name.resize(std::min(name.find_first_of(L"/?#"), name.size()));
-    return name.substr(name.rfind(L'@') + 1); // all if there is none
 }
 
 Settings MainWindow::settings() const
@@ -421,5 +338,5 @@ void MainWindow::showIdle()
 void MainWindow::showFailure(const std::wstring& failure, const ResponseStatus& response)
 {
     showStatus(failure + L".");
-    tellFailure(m_window, failure + L".\n\n" + explain(response, m_commands->isSessionOpen()));
+    tellFailure(m_window, failure + L".\n\n" + explain(response, m_commands.isSessionOpen()));
 }

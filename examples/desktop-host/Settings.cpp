@@ -12,12 +12,11 @@
 
 namespace
 {
-constexpr const wchar_t* usage =
-    L"vantry-desktop-host [--endpoint URL] [--user NAME] [--password PASSWORD]\n"
-    L"    [--client ID | --asset ID]\n\n"
-    L"vantry-sandbox -- vantry-desktop-host --try\n\n"
-    L"Others can see a password on the command line: rather set VANTRY_PASSWORD, or type "
-    L"it into the window.";
+constexpr const char* usage =
+    "vantry-desktop-host [--endpoint URL] [--user NAME] [--password PASSWORD]\n"
+    "    [--client ID | --asset ID]\n\n"
+    "vantry-sandbox -- vantry-desktop-host --try\n\n"
+    "Others can see a password on the command line: rather set VANTRY_PASSWORD, or type it into the window.";
 
 std::vector<std::wstring> arguments()
 {
@@ -65,7 +64,7 @@ Settings sandboxSettings()
                       environment(L"VANTRY_SANDBOX_PASSWORD"), L"42"};
     settings.isTrial = true;
     if (settings.endPoint.empty()) {
-        throw WrongArguments(std::wstring(L"--try is for a program that vantry-sandbox has started:\n\n") +
+        throw WrongArguments(std::string("--try is for a program that vantry-sandbox has started:\n\n") +
                              usage);
     }
     return settings;

@@ -16,13 +16,10 @@ struct Settings
     std::array<int, 3> columnWidths{70, 230, 120};
 };
 
-/// The command line does not fit; `explanation` says what would.
-struct WrongArguments : std::runtime_error
+/// The command line does not fit; the text says what would.
+struct WrongArguments : std::invalid_argument
 {
-    explicit WrongArguments(std::wstring text)
-        : std::runtime_error("wrong arguments"), explanation(std::move(text))
-    {}
-    std::wstring explanation;
+    using std::invalid_argument::invalid_argument;
 };
 
 /// Reads what the user's last sessions have left, and the process's command line.

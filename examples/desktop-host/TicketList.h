@@ -17,7 +17,6 @@ public:
     /// Widths of the columns but the last, which has what the others leave; in units of 1/96 inch.
     using Widths = std::array<int, 3>;
 
-    TicketList() = default;
     TicketList(HWND list, const Widths& widths);
 
     void fillWidth() const;
@@ -42,7 +41,7 @@ private:
     void sort();
     void select(const std::wstring& id) const;
 
-    HWND m_list = nullptr;
+    HWND m_list;
     std::vector<TicketListEntry> m_tickets;
     int m_sortColumn = 0;
     bool m_isDescending = false;

@@ -1,5 +1,4 @@
 #include "Failure.h"
-#include "Log.h"
 #include "MainWindow.h"
 #include "Settings.h"
 
@@ -16,9 +15,7 @@ void runProgram(int showCommand)
     const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES |
                                                              ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
-    const auto lines = std::make_shared<LogQueue>();
-    const Log log(lines);
-    MainWindow(settings, lines, showCommand).run();
+    MainWindow(settings).run(showCommand);
 }
 } // namespace
 
@@ -28,7 +25,7 @@ int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*comma
         runProgram(showCommand);
         return EXIT_SUCCESS;
     } catch (const WrongArguments& error) {
-        tellFailure(nullptr, error.explanation);
+        tellFailure(nullptr, describe(error));
     } catch (const std::exception& error) {
         tellFailure(nullptr, L"The program cannot go on: " + describe(error));
     }

@@ -158,19 +158,20 @@ DesktopHost::DesktopHost(const std::wstring& arguments)
     : m_process(L"\"" + program().native() + L"\" " + arguments, false)
 {
     waitUntil("the main window", [this] {
-        m_window = HostWindow(findWindow(L"VantryDesktopHost"));
+        m_window = HostWindow(findWindow(false));
         return m_window.exists();
     });
 }
 
-/// The visible top-level window of that class in the host's process.
-HWND DesktopHost::findWindow(const wchar_t* className) const
+/// The visible window of the host's process that another one owns, or that none does: all are dialogs.
+HWND DesktopHost::findWindow(bool isOwned) const
 {
     HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, className, nullptr)) != nullptr) {
-        DWORD owner = 0;
-        GetWindowThreadProcessId(window, &owner);
-        if (owner == m_process.id() && IsWindowVisible(window) != FALSE) {
+    while ((window = FindWindowExW(nullptr, window, L"#32770", nullptr)) != nullptr) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        if (process == m_process.id() && IsWindowVisible(window) != FALSE &&
+            (GetWindow(window, GW_OWNER) != nullptr) == isOwned) {
             return window;
         }
     }
@@ -180,7 +181,7 @@ HWND DesktopHost::findWindow(const wchar_t* className) const
 HostWindow DesktopHost::dialog() const
 {
     waitUntil("a dialog", [this] { return hasDialog(); });
-    return HostWindow(findWindow(L"#32770"));
+    return HostWindow(findWindow(true));
 }
 
 bool DesktopHost::isBusy() const

@@ -72,7 +72,7 @@ public:
 
     /// The next dialog that the program shows.
     HostWindow dialog() const;
-    bool hasDialog() const { return findWindow(L"#32770") != nullptr; }
+    bool hasDialog() const { return findWindow(true) != nullptr; }
 
     /// Waits until the program has shown this in its status bar and is ready for the next command.
     void waitForStatus(const std::wstring& status) const;
@@ -93,7 +93,7 @@ public:
 private:
     struct RemoteMemory;
 
-    HWND findWindow(const wchar_t* className) const;
+    HWND findWindow(bool isOwned) const;
 
     Process m_process;
     HostWindow m_window;

@@ -13,7 +13,7 @@ void openAndCloseSession()
 {
     HostWindow window;
     waitUntil("the main window", [&] {
-        window = HostWindow(FindWindowW(L"VantryDesktopHost", nullptr));
+        window = HostWindow(FindWindowW(nullptr, L"Vantry help desk"));
         return IsWindowVisible(window.handle()) != FALSE;
     });
     window.click(IDC_OPEN_SESSION);
