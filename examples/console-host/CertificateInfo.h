@@ -2,16 +2,18 @@
 
 #include "TAVIKVANTRYAPI.h"
 
+#include <array>
+#include <ctime>
 #include <string>
 
-/// What a person needs to know of a certificate to trust it or not, in UTF-8 and fit for a terminal.
+/// What a person needs to know of a certificate to trust it or not.
 struct CertificateInfo
 {
-    std::string subject;
+    std::string subject; ///< in UTF-8 and fit for a terminal
     std::string issuer;
-    std::string fingerprint; ///< SHA-256 of the whole certificate
-    std::string validFrom;
-    std::string validUntil;
+    std::array<unsigned char, 32> fingerprint; ///< SHA-256 of the whole certificate
+    std::tm validFrom;                         ///< in UTC
+    std::tm validUntil;
 };
 
 /// @throws std::runtime_error if the certificate cannot be read

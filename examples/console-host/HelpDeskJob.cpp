@@ -1,13 +1,19 @@
 #include "HelpDeskJob.h"
+#include "CertificateQuestion.h"
+#include "CompletionWindow.h"
 #include "Text.h"
 #include "TicketTable.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <numeric>
+#include <optional>
 #include <stdexcept>
+#include <string>
 
 namespace
 {
@@ -33,104 +39,124 @@ Attachment readAttachment(const std::string& file)
     }
     return {{std::istreambuf_iterator<char>(in), {}}, toWide(name)};
 }
-} // namespace
 
-HelpDeskJob::HelpDeskJob(const Options& options)
-    : m_ticket{toWide(options.client.empty() ? options.asset : options.client),
-               options.client.empty() ? VantryType::Asset : VantryType::Client, toWide(options.subject),
-               toWide(options.detail)},
-      m_note{L"", toWide(options.note), options.workTime, !options.isNoteHidden},
-      m_attachment(options.file.empty() ? makeSample() : readAttachment(options.file)),
-      m_certificateQuestion(options.certificate)
+class HelpDeskJob
 {
-    SetEndPoint(toWide(options.endPoint));
-    SetCredentials(toWide(options.userName), toWide(options.password));
-    SetValidateCertificateCallback(
-        [this](const CERT_CONTEXT& certificate) { return m_certificateQuestion.isTrusted(certificate); });
-    if (options.isAsynchronous) {
-        m_window.emplace();
-        SetHWND(m_window->handle());
+public:
+    explicit HelpDeskJob(const Options& options)
+        : m_ticket{toWide(options.client.empty() ? options.asset : options.client),
+                   options.client.empty() ? VantryType::Asset : VantryType::Client, toWide(options.subject),
+                   toWide(options.detail)},
+          m_note{L"", toWide(options.note), options.workTime, !options.isNoteHidden},
+          m_attachment(options.file.empty() ? makeSample() : readAttachment(options.file)),
+          m_certificateQuestion(options.certificate)
+    {
+        SetEndPoint(toWide(options.endPoint));
+        SetCredentials(toWide(options.userName), toWide(options.password));
+        SetValidateCertificateCallback(
+            [this](const CERT_CONTEXT& certificate) { return m_certificateQuestion.isTrusted(certificate); });
+        if (options.isAsynchronous) {
+            m_window.emplace();
+            SetHWND(m_window->handle());
+        }
     }
-}
 
-HelpDeskJob::~HelpDeskJob()
-{
-    SetHWND(nullptr);
-    SetValidateCertificateCallback({});
-}
+    ~HelpDeskJob()
+    {
+        SetHWND(nullptr);
+        SetValidateCertificateCallback({});
+    }
 
-bool HelpDeskJob::run()
-{
-    if (!perform("open the session", 200, [] { CreateSession(); })) {
-        return false;
-    }
-    std::cout << "Session opened." << std::endl;
-    const bool isDone = createTicket() && saveNote() && attachFile() && listTickets();
-    const bool isClosed = perform("close the session", 200, [] { CloseSession(); });
-    if (isClosed) {
-        std::cout << "Session closed." << std::endl;
-    }
-    return isDone && isClosed;
-}
+    HelpDeskJob(const HelpDeskJob&) = delete;
+    HelpDeskJob(HelpDeskJob&&) = delete;
+    HelpDeskJob& operator=(const HelpDeskJob&) = delete;
+    HelpDeskJob& operator=(HelpDeskJob&&) = delete;
 
-bool HelpDeskJob::createTicket()
-{
-    if (!perform("create the ticket", 201, [this] { CreateTicket(m_ticket); })) {
-        return false;
+    bool run()
+    {
+        if (!perform("open the session", 200, [] { CreateSession(); })) {
+            return false;
+        }
+        std::cout << "Session opened." << std::endl;
+        const bool isDone = createTicket() && saveNote() && attachFile() && listTickets();
+        const bool isClosed = perform("close the session", 200, [] { CloseSession(); });
+        if (isClosed) {
+            std::cout << "Session closed." << std::endl;
+        }
+        return isDone && isClosed;
     }
-    m_note.jobTicketId = GetCreatedTicketID();
-    std::cout << "Ticket " << toTerminal(m_note.jobTicketId) << " created: " << toTerminal(m_ticket.subject)
-              << std::endl;
-    return true;
-}
 
-bool HelpDeskJob::saveNote()
-{
-    if (!perform("save the note", 201, [this] { SaveTechNote(m_note); })) {
-        return false;
-    }
-    std::cout << "Note saved: " << toTerminal(m_note.noteText) << std::endl;
-    return true;
-}
-
-bool HelpDeskJob::attachFile()
-{
-    if (!perform("attach the file", 201, [this] { SaveAttachment(m_attachment); })) {
-        return false;
-    }
-    std::cout << "File attached: " << toTerminal(m_attachment.fileName) << ", " << m_attachment.data.size()
-              << " bytes" << std::endl;
-    return true;
-}
-
-bool HelpDeskJob::listTickets()
-{
-    if (!perform("list the tickets", 200,
-                 [this] { RequestTicketList(m_ticket.entityId, m_ticket.entityType); })) {
-        return false;
-    }
-    const auto& tickets = GetTicketList();
-    std::cout << "Tickets of the " << (m_ticket.entityType == VantryType::Client ? "client " : "asset ")
-              << toTerminal(m_ticket.entityId) << ": " << tickets.size() << std::endl;
-    printTickets(std::cout, tickets);
-    std::cout << std::flush;
-    return true;
-}
-
-/// Runs one operation to its end and tells whether it succeeded. With a window its call returns at once, and
-/// the results may be read when the window has been told.
-bool HelpDeskJob::perform(const std::string& task, std::int32_t successCode,
-                          const std::function<void()>& operation)
-{
-    operation();
-    if (m_window) {
-        m_window->waitForOperation();
-    }
-    const ResponseStatus& response = GetLastResponse();
-    if (response.httpStatusCode == successCode) {
+private:
+    bool createTicket()
+    {
+        if (!perform("create the ticket", 201, [this] { CreateTicket(m_ticket); })) {
+            return false;
+        }
+        m_note.jobTicketId = GetCreatedTicketID();
+        std::cout << "Ticket " << toTerminal(m_note.jobTicketId)
+                  << " created: " << toTerminal(m_ticket.subject) << std::endl;
         return true;
     }
-    std::cerr << "Could not " << task << ": " << response.httpStatusCode << ' '
-              << toTerminal(response.errorMessage) << std::endl;
-    return false;
+
+    bool saveNote()
+    {
+        if (!perform("save the note", 201, [this] { SaveTechNote(m_note); })) {
+            return false;
+        }
+        std::cout << "Note saved: " << toTerminal(m_note.noteText) << std::endl;
+        return true;
+    }
+
+    bool attachFile()
+    {
+        if (!perform("attach the file", 201, [this] { SaveAttachment(m_attachment); })) {
+            return false;
+        }
+        std::cout << "File attached: " << toTerminal(m_attachment.fileName) << ", "
+                  << m_attachment.data.size() << " bytes" << std::endl;
+        return true;
+    }
+
+    bool listTickets()
+    {
+        if (!perform("list the tickets", 200,
+                     [this] { RequestTicketList(m_ticket.entityId, m_ticket.entityType); })) {
+            return false;
+        }
+        const auto& tickets = GetTicketList();
+        std::cout << "Tickets of the " << (m_ticket.entityType == VantryType::Client ? "client " : "asset ")
+                  << toTerminal(m_ticket.entityId) << ": " << tickets.size() << std::endl;
+        printTickets(std::cout, tickets);
+        std::cout << std::flush;
+        return true;
+    }
+
+    /// Runs one operation to its end and tells whether it succeeded. With a window its call returns at once,
+    /// and the results may be read when the window has been told.
+    bool perform(const std::string& task, std::int32_t successCode, const std::function<void()>& operation)
+    {
+        operation();
+        if (m_window) {
+            m_window->waitForOperation();
+        }
+        const ResponseStatus& response = GetLastResponse();
+        if (response.httpStatusCode == successCode) {
+            return true;
+        }
+        std::cerr << "Could not " << task << ": " << response.httpStatusCode << ' '
+                  << toTerminal(response.errorMessage) << std::endl;
+        return false;
+    }
+
+    TicketCreationInformation m_ticket;
+    TechNote m_note;
+    Attachment m_attachment;
+    CertificateQuestion m_certificateQuestion;
+    std::optional<CompletionWindow> m_window;
+};
+} // namespace
+
+bool doHelpDeskJob(const Options& options)
+{
+    return HelpDeskJob(options).run();
 }

@@ -10,45 +10,22 @@ namespace
 {
 constexpr std::size_t longestCell = 40;
 
-using Row = std::array<std::string, 4>;
+using Row = std::array<std::wstring, 4>;
 
-/// Every character of UTF-8 text has one such byte.
-bool isFirstByte(char byte)
+std::wstring makeCell(const std::wstring& text)
 {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-}
-
-std::size_t countCharacters(const std::string& utf8)
-{
-    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), isFirstByte));
-}
-
-std::string makeCell(const std::wstring& text)
-{
-    std::string cell = toTerminal(text);
-    if (countCharacters(cell) > longestCell) {
-        std::size_t characters = 0;
-        const auto isLast = [&](char byte) { return isFirstByte(byte) && ++characters == longestCell; };
-        cell.erase(std::find_if(cell.begin(), cell.end(), isLast), cell.end());
-        cell += "\xE2\x80\xA6"; // an ellipsis
+    if (text.size() <= longestCell) {
+        return text;
     }
-    return cell;
-}
-
-void printRow(std::ostream& out, const Row& row, const std::array<std::size_t, 4>& widths)
-{
-    std::string line;
-    for (std::size_t column = 0; column < row.size(); ++column) {
-        line += "  " + row[column] + std::string(widths[column] - countCharacters(row[column]), ' ');
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
+    constexpr std::size_t length = longestCell - 1;
+    const bool isPairCut = text[length] >= 0xDC00 && text[length] <= 0xDFFF; // two units, on Windows
+    return text.substr(0, isPairCut ? length - 1 : length) + L'\u2026';
 }
 } // namespace
 
 void printTickets(std::ostream& out, const std::vector<TicketListEntry>& tickets)
 {
-    std::vector<Row> rows{{"Id", "Subject", "Detail", "Client"}};
+    std::vector<Row> rows{{L"Id", L"Subject", L"Detail", L"Client"}};
     for (const auto& ticket : tickets) {
         rows.push_back({makeCell(ticket.id), makeCell(ticket.name), makeCell(ticket.detail),
                         makeCell(ticket.clientName)});
@@ -56,10 +33,15 @@ void printTickets(std::ostream& out, const std::vector<TicketListEntry>& tickets
     std::array<std::size_t, 4> widths{};
     for (const auto& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], countCharacters(row[column]));
+            widths[column] = std::max(widths[column], row[column].size());
         }
     }
     for (const auto& row : rows) {
-        printRow(out, row, widths);
+        std::wstring line;
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            line += L"  " + row[column] + std::wstring(widths[column] - row[column].size(), L' ');
+        }
+        line.erase(line.find_last_not_of(L' ') + 1);
+        out << toTerminal(line) << '\n';
     }
 }

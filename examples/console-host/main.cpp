@@ -41,7 +41,7 @@ int runProgram(std::vector<std::string> arguments)
         options.password = findPassword();
     }
     configureLog(options);
-    return HelpDeskJob(options).run() ? EXIT_SUCCESS : EXIT_FAILURE;
+    return doHelpDeskJob(options) ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 } // namespace
 

@@ -1,14 +1,9 @@
 #include "CertificateInfo.h"
 
-#include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
-#include <array>
-#include <ctime>
-#include <iomanip>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 namespace
@@ -31,27 +26,13 @@ std::string nameText(const X509_NAME* name)
     return {data, static_cast<std::size_t>(size)};
 }
 
-std::string timeText(const ASN1_TIME* time)
+std::tm utcTime(const ASN1_TIME* time)
 {
     std::tm utc{};
     if (ASN1_TIME_to_tm(time, &utc) != 1) {
         throwUnreadable();
     }
-    std::ostringstream text;
-    text << std::put_time(&utc, "%Y-%m-%d %H:%M UTC");
-    return text.str();
-}
-
-std::string fingerprintText(const X509* certificate)
-{
-    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-    unsigned size = 0;
-    std::array<char, digest.size() * 3> text{}; // two digits and a colon, or the zero at the end, each
-    if (X509_digest(certificate, EVP_sha256(), digest.data(), &size) != 1 ||
-        OPENSSL_buf2hexstr_ex(text.data(), text.size(), nullptr, digest.data(), size, ':') != 1) {
-        throwUnreadable();
-    }
-    return text.data();
+    return utc;
 }
 } // namespace
 
@@ -63,7 +44,13 @@ CertificateInfo readCertificate(const CERT_CONTEXT& certificate)
     if (!decoded) {
         throwUnreadable();
     }
-    return {nameText(X509_get_subject_name(decoded.get())), nameText(X509_get_issuer_name(decoded.get())),
-            fingerprintText(decoded.get()), timeText(X509_get0_notBefore(decoded.get())),
-            timeText(X509_get0_notAfter(decoded.get()))};
+    CertificateInfo info{nameText(X509_get_subject_name(decoded.get())),
+                         nameText(X509_get_issuer_name(decoded.get())),
+                         {},
+                         utcTime(X509_get0_notBefore(decoded.get())),
+                         utcTime(X509_get0_notAfter(decoded.get()))};
+    if (X509_digest(decoded.get(), EVP_sha256(), info.fingerprint.data(), nullptr) != 1) {
+        throwUnreadable();
+    }
+    return info;
 }

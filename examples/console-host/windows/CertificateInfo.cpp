@@ -6,9 +6,6 @@
 #include <bcrypt.h>
 #include <wincrypt.h>
 
-#include <array>
-#include <iomanip>
-#include <sstream>
 #include <stdexcept>
 
 namespace
@@ -26,40 +23,34 @@ std::string nameText(CERT_NAME_BLOB name)
     return toTerminal(text.c_str());
 }
 
-std::string timeText(const FILETIME& time)
+std::tm utcTime(const FILETIME& time)
 {
     SYSTEMTIME utc{};
     if (FileTimeToSystemTime(&time, &utc) == FALSE) {
         throwUnreadable();
     }
-    std::ostringstream text;
-    text << std::setfill('0') << utc.wYear << '-' << std::setw(2) << utc.wMonth << '-' << std::setw(2)
-         << utc.wDay << ' ' << std::setw(2) << utc.wHour << ':' << std::setw(2) << utc.wMinute << " UTC";
-    return text.str();
-}
-
-std::string fingerprintText(const CERT_CONTEXT& certificate)
-{
-    std::array<BYTE, 32> digest{};
-    auto size = static_cast<DWORD>(digest.size());
-    if (CryptHashCertificate2(BCRYPT_SHA256_ALGORITHM, 0, nullptr, certificate.pbCertEncoded,
-                              certificate.cbCertEncoded, digest.data(), &size) == FALSE) {
-        throwUnreadable();
-    }
-    std::ostringstream text;
-    text << std::hex << std::uppercase << std::setfill('0');
-    const char* separator = "";
-    for (const unsigned byte : digest) {
-        text << separator << std::setw(2) << byte;
-        separator = ":";
-    }
-    return text.str();
+    std::tm parts{};
+    parts.tm_year = utc.wYear - 1900;
+    parts.tm_mon = utc.wMonth - 1;
+    parts.tm_mday = utc.wDay;
+    parts.tm_hour = utc.wHour;
+    parts.tm_min = utc.wMinute;
+    return parts;
 }
 } // namespace
 
 CertificateInfo readCertificate(const CERT_CONTEXT& certificate)
 {
-    const CERT_INFO& info = *certificate.pCertInfo;
-    return {nameText(info.Subject), nameText(info.Issuer), fingerprintText(certificate),
-            timeText(info.NotBefore), timeText(info.NotAfter)};
+    const CERT_INFO& encoded = *certificate.pCertInfo;
+    CertificateInfo info{nameText(encoded.Subject),
+                         nameText(encoded.Issuer),
+                         {},
+                         utcTime(encoded.NotBefore),
+                         utcTime(encoded.NotAfter)};
+    auto size = static_cast<DWORD>(info.fingerprint.size());
+    if (CryptHashCertificate2(BCRYPT_SHA256_ALGORITHM, 0, nullptr, certificate.pbCertEncoded,
+                              certificate.cbCertEncoded, info.fingerprint.data(), &size) == FALSE) {
+        throwUnreadable();
+    }
+    return info;
 }
