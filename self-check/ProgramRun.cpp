@@ -3,12 +3,12 @@
 #include <windows.h>
 
 #include <boost/process/child.hpp>
-#include <boost/process/extend.hpp>
+#include <boost/process/cmd.hpp>
 #include <boost/process/group.hpp>
+#include <boost/process/io.hpp>
 
 #include <array>
 #include <cstdio>
-#include <io.h>
 #include <memory>
 #include <system_error>
 
@@ -16,31 +16,6 @@ namespace process = boost::process;
 
 namespace
 {
-/// The command line of a program, all of whose output goes to a file. Boost.Process's own ways need a library
-/// of Boost's.
-struct CommandLine : process::extend::handler
-{
-    CommandLine(const std::filesystem::path& program, const std::wstring& argument, std::FILE* file)
-        : text(L'"' + program.wstring() + L"\" " + argument),
-          output(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))))
-    {
-        SetHandleInformation(output, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
-    }
-
-    template <typename Executor>
-    void on_setup(Executor& executor) const
-    {
-        executor.cmd_line = text.c_str();
-        executor.inherit_handles = TRUE;
-        executor.startup_info.dwFlags |= STARTF_USESTDHANDLES;
-        executor.startup_info.hStdOutput = output;
-        executor.startup_info.hStdError = output;
-    }
-
-    std::wstring text;
-    HANDLE output;
-};
-
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 /// A file that is deleted when it is closed. Not a pipe, whose end would not come as long as anything that a
@@ -75,7 +50,8 @@ ProgramRun runProgram(const std::filesystem::path& program, const std::wstring& 
 {
     const auto output = createOutputFile();
     process::group group; // with all that the program starts
-    process::child child(CommandLine(program, argument, output.get()), group);
+    process::child child(process::cmd = L'"' + program.wstring() + L"\" " + argument,
+                         (process::std_out & process::std_err) > output.get(), group);
     const bool isInTime = child.wait_for(limit);
     group.terminate();
     child.wait();

@@ -2,8 +2,7 @@
 
 #include <windows.h>
 
-#include <stdexcept>
-#include <vector>
+#include <filesystem>
 
 namespace
 {
@@ -32,19 +31,4 @@ std::string describeSystem()
 {
     return registryText(L"ProductName") + " " + registryText(L"DisplayVersion") + ", build " +
            registryText(L"CurrentBuild") + wineVersion() + "; ANSI code page " + std::to_string(GetACP());
-}
-
-std::string fileVersion(const std::filesystem::path& file)
-{
-    const DWORD size = GetFileVersionInfoSizeW(file.c_str(), nullptr);
-    std::vector<char> data(size);
-    VS_FIXEDFILEINFO* info = nullptr;
-    UINT length = 0;
-    if (size == 0 || GetFileVersionInfoW(file.c_str(), 0, size, data.data()) == FALSE ||
-        VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&info), &length) == FALSE) {
-        throw std::runtime_error("no version in " + file.u8string());
-    }
-    return std::to_string(HIWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(LOWORD(info->dwFileVersionMS)) + "." +
-           std::to_string(HIWORD(info->dwFileVersionLS));
 }

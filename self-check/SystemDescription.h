@@ -2,11 +2,7 @@
 /// What a report says of the system that it was made on.
 #pragma once
 
-#include <filesystem>
 #include <string>
 
 /// Name and version of Windows, of Wine where it is Wine, and the ANSI code page.
 std::string describeSystem();
-
-/// The version in the resources of a DLL or a program.
-std::string fileVersion(const std::filesystem::path& file);

@@ -29,11 +29,6 @@ std::unique_ptr<void, CloseStore> rootsOfUser()
     return store;
 }
 
-const BYTE* bytesOf(const std::string& der)
-{
-    return reinterpret_cast<const BYTE*>(der.data());
-}
-
 PCCERT_CONTEXT findAuthority(HCERTSTORE store, PCCERT_CONTEXT previous)
 {
     return CertFindCertificateInStore(store, X509_ASN_ENCODING, 0, CERT_FIND_SUBJECT_STR_W,
@@ -41,21 +36,11 @@ PCCERT_CONTEXT findAuthority(HCERTSTORE store, PCCERT_CONTEXT previous)
 }
 } // namespace
 
-bool isTrustedByUser(const std::string& der)
-{
-    const PCCERT_CONTEXT wanted =
-        CertCreateCertificateContext(X509_ASN_ENCODING, bytesOf(der), static_cast<DWORD>(der.size()));
-    const PCCERT_CONTEXT found = CertFindCertificateInStore(rootsOfUser().get(), X509_ASN_ENCODING, 0,
-                                                            CERT_FIND_EXISTING, wanted, nullptr);
-    CertFreeCertificateContext(wanted);
-    return found != nullptr && CertFreeCertificateContext(found) != FALSE;
-}
-
 void trustByUser(const std::string& der)
 {
-    if (CertAddEncodedCertificateToStore(rootsOfUser().get(), X509_ASN_ENCODING, bytesOf(der),
-                                         static_cast<DWORD>(der.size()), CERT_STORE_ADD_NEW,
-                                         nullptr) == FALSE) {
+    if (CertAddEncodedCertificateToStore(
+            rootsOfUser().get(), X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(der.data()),
+            static_cast<DWORD>(der.size()), CERT_STORE_ADD_USE_EXISTING, nullptr) == FALSE) {
         throw std::runtime_error("the certificate was not added: error " + std::to_string(GetLastError()));
     }
 }

@@ -6,11 +6,7 @@
 
 #include <string>
 
-/// @param der the authority's certificate
-/// @throws std::runtime_error if the list cannot be opened
-bool isTrustedByUser(const std::string& der);
-
-/// @param der the authority's certificate
+/// @param der the authority's certificate, which may be trusted already
 /// @throws std::runtime_error if it cannot be added or the person refuses
 void trustByUser(const std::string& der);
 

@@ -9,13 +9,13 @@
 
 #include <wincrypt.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -46,8 +46,6 @@ enum class Result
     differs, ///< from Wine, whose outcome the test expects
     notRun
 };
-
-constexpr std::array words{"passed   ", "FAILED   ", "differs  ", "not run  "};
 
 /// Writes to the console and to the report.
 class Report
@@ -145,38 +143,37 @@ public:
     void summarize()
     {
         m_report.line("");
-        m_report.line("Summary: " + std::to_string(count(Result::passed)) + " tests passed, " +
-                      std::to_string(count(Result::failed)) + " failed, " +
-                      std::to_string(count(Result::differs)) + " differ from Wine, " +
-                      std::to_string(count(Result::notRun)) + " not run");
-        for (const auto& name : m_different) {
+        m_report.line("Summary: " + count(Result::passed) + " tests passed, " + count(Result::failed) +
+                      " failed, " + count(Result::differs) + " differ from Wine, " + count(Result::notRun) +
+                      " not run");
+        for (const auto& name : m_tests[Result::differs]) {
             m_report.line("Differs from Wine: " + name);
         }
     }
 
-    bool allPassed() const { return count(Result::failed) == 0 && count(Result::passed) > 0; }
+    bool allPassed() { return m_tests[Result::failed].empty() && !m_tests[Result::passed].empty(); }
 
 private:
     void runTest(const std::filesystem::path& program, const std::string& name, std::chrono::seconds limit)
     {
+        static const std::map<Result, std::string> words{{Result::passed, "passed   "},
+                                                         {Result::failed, "FAILED   "},
+                                                         {Result::differs, "differs  "},
+                                                         {Result::notRun, "not run  "}};
         const auto run =
             runProgram(program, L"--gtest_filter=" + std::wstring(name.begin(), name.end()), limit);
         const auto result = resultOf(run);
-        m_results.push_back(result);
-        m_report.line(words.at(static_cast<std::size_t>(result)) + name);
+        m_tests[result].push_back(name);
+        m_report.line(words.at(result) + name);
         if (result != Result::passed) {
             m_report.quote(run.isInTime ? run.output : run.output + "\nended: it took too long");
         }
-        if (result == Result::differs) {
-            m_different.push_back(name);
-        }
     }
 
-    long long count(Result result) const { return std::count(m_results.begin(), m_results.end(), result); }
+    std::string count(Result result) { return std::to_string(m_tests[result].size()); }
 
     Report& m_report;
-    std::vector<Result> m_results;
-    std::vector<std::string> m_different;
+    std::map<Result, std::vector<std::string>> m_tests;
 };
 
 /// The certificate in a PEM file.
@@ -209,7 +206,7 @@ bool checkSystem(Report& report)
     }
     SetEnvironmentVariableW(L"VANTRY_SELF_CHECK", L"1"); // the tests leave the trusted authorities alone
     const auto folder = ownFolder();
-    report.line("Self-check of TAVIKVANTRYAPI " + fileVersion(folder / "TAVIKVANTRYAPI.dll"));
+    report.line("Self-check of TAVIKVANTRYAPI " VANTRY_VERSION);
     report.line(describeSystem());
     report.line("");
     std::cout << "The tests need the certificate of their own server to be trusted until they have ended.\n"
