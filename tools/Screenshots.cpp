@@ -36,20 +36,19 @@ void save(const std::wstring& name, const HostWindow& window)
     Sleep(2000); // until everything is painted
     RECT area{};
     GetWindowRect(window.handle(), &area);
-    const SIZE size{area.right - area.left, area.bottom - area.top};
+    const int width = area.right - area.left;
+    const int height = area.bottom - area.top;
+    Gdiplus::Bitmap picture(width, height);
+    Gdiplus::Graphics graphics(&picture);
     HDC const screen = GetDC(nullptr);
-    HDC const copy = CreateCompatibleDC(screen);
-    HBITMAP const pixels = CreateCompatibleBitmap(screen, size.cx, size.cy);
-    HGDIOBJ const previous = SelectObject(copy, pixels);
-    BitBlt(copy, 0, 0, size.cx, size.cy, screen, area.left, area.top, SRCCOPY);
-    SelectObject(copy, previous);
+    HDC const copy = graphics.GetHDC();
+    BitBlt(copy, 0, 0, width, height, screen, area.left, area.top, SRCCOPY);
+    graphics.ReleaseHDC(copy);
+    ReleaseDC(nullptr, screen);
     constexpr CLSID png{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
-    if (Gdiplus::Bitmap(pixels, nullptr).Save((name + L".png").c_str(), &png, nullptr) != Gdiplus::Ok) {
+    if (picture.Save((name + L".png").c_str(), &png, nullptr) != Gdiplus::Ok) {
         throw std::runtime_error("cannot write a picture");
     }
-    DeleteObject(pixels);
-    DeleteDC(copy);
-    ReleaseDC(nullptr, screen);
 }
 
 void createTicket(const DesktopHost& host, const std::wstring& subject, const std::wstring& detail)
