@@ -2,7 +2,6 @@
 /// Runs each test of the test programs beside it in a process of its own, on the sandbox that it is started
 /// under, and writes a report: vantry-sandbox -- vantry-self-check REPORT
 #include "ProgramRun.h"
-#include "SystemDescription.h"
 #include "UserRoots.h"
 
 #include <windows.h>
@@ -198,6 +197,33 @@ std::filesystem::path ownFolder()
     return std::filesystem::path(path).parent_path();
 }
 
+/// As it is: RtlGetVersion, and what the system says of itself to programs, differ by compatibility settings.
+std::string registryText(const wchar_t* value)
+{
+    std::wstring text(256, L'\0');
+    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_LOCAL_MACHINE, LR"(SOFTWARE\Microsoft\Windows NT\CurrentVersion)", value,
+                     RRF_RT_REG_SZ, nullptr, text.data(), &size) != ERROR_SUCCESS) {
+        return "";
+    }
+    return std::filesystem::path(text.c_str()).u8string();
+}
+
+std::string wineVersion()
+{
+    using Function = const char*(CDECL*)();
+    const auto address = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
+    const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(address));
+    return function == nullptr ? "" : std::string(", which is Wine ") + function();
+}
+
+/// Name and version of Windows, of Wine where it is Wine, and the ANSI code page.
+std::string describeSystem()
+{
+    return registryText(L"ProductName") + " " + registryText(L"DisplayVersion") + ", build " +
+           registryText(L"CurrentBuild") + wineVersion() + "; ANSI code page " + std::to_string(GetACP());
+}
+
 bool checkSystem(Report& report)
 {
     const char* const authority = std::getenv("VANTRY_SANDBOX_CA_FILE");
@@ -205,7 +231,6 @@ bool checkSystem(Report& report)
         throw std::runtime_error("runs under vantry-sandbox: start self-check.cmd");
     }
     SetEnvironmentVariableW(L"VANTRY_SELF_CHECK", L"1"); // the tests leave the trusted authorities alone
-    const auto folder = ownFolder();
     report.line("Self-check of TAVIKVANTRYAPI " VANTRY_VERSION);
     report.line(describeSystem());
     report.line("");
@@ -215,7 +240,7 @@ bool checkSystem(Report& report)
     SelfCheck check(report);
     // Its key is in the sandbox's memory alone: should it stay behind, nobody can use it.
     trustByUser(readCertificate(authority));
-    check.run(folder);
+    check.run(ownFolder());
     const int left = removeSandboxAuthorities();
     report.line("");
     report.line("Certificates left behind: " + std::to_string(left));

@@ -7,22 +7,14 @@
 #include <cstdlib>
 #include <exception>
 
-namespace
-{
-void runProgram(int showCommand)
-{
-    const Settings settings = readSettings();
-    const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES |
-                                                             ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
-    InitCommonControlsEx(&controls);
-    MainWindow(settings).run(showCommand);
-}
-} // namespace
-
 int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*commandLine*/, int showCommand)
 {
     try {
-        runProgram(showCommand);
+        const Settings settings = readSettings();
+        const INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES | ICC_LISTVIEW_CLASSES |
+                                                                 ICC_BAR_CLASSES | ICC_PROGRESS_CLASS};
+        InitCommonControlsEx(&controls);
+        MainWindow(settings).run(showCommand);
         return EXIT_SUCCESS;
     } catch (const WrongArguments& error) {
         tellFailure(nullptr, describe(error));
