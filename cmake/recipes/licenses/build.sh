@@ -51,38 +51,21 @@ take_changes() {
     done
 }
 
-# list COMMAND...: its lines as elements of a JSON list
-list() { "$@" | paste --serial --delimiters=,; }
-
-archive_entries() {
-    archives "$1" | while read -r file sum; do
-        printf '{"type": "file", "name": "%s", "hashes": [{"alg": "SHA-256", "content": "%s"}]}\n' "$file" "$sum"
-    done
-}
-
-patch_entries() {
-    (cd "$licenses" && find "$1" -name '*.patch' -printf '{"type": "unofficial", "diff": {"url": "licenses/%p"}}\n')
-}
-
-text_entries() {
-    (cd "$licenses" && find "$1" -type f -printf '{"name": "licence text", "value": "licenses/%p"}\n')
-}
-
 # describe NAME LICENCE VERSION PACKAGE_URL
 describe() {
-    cat > "$bill/$1.json" << END
-    {
-      "type": "library",
-      "bom-ref": "$1",
-      "name": "$1",
-      "version": "$3",
-      "licenses": [{"expression": "${2//_/ }"}],
-      "purl": "$4",
-      "pedigree": {"patches": [$(list patch_entries "$1")]},
-      "properties": [$(list text_entries "$1")],
-      "components": [$(list archive_entries "$1")]
-    }
-END
+    jq --null-input --arg name "$1" --arg licence "${2//_/ }" --arg version "$3" --arg url "$4" \
+        --arg patches "$(find "$licenses/$1" -name '*.patch' -printf "licenses/$1/%P\n")" \
+        --arg texts "$(find "$licenses/$1" -type f -printf "licenses/$1/%P\n")" \
+        --arg archives "$(archives "$1")" '
+        {
+            type: "library", "bom-ref": $name, name: $name, version: $version,
+            licenses: [{expression: $licence}],
+            purl: $url,
+            pedigree: {patches: ($patches | split("\n") | map({type: "unofficial", diff: {url: .}}))},
+            properties: ($texts | split("\n") | map({name: "licence text", value: .})),
+            components: ($archives | split("\n") | map(split(" ") |
+                {type: "file", name: .[0], hashes: [{alg: "SHA-256", content: .[1]}]}))
+        }' > "$bill/$1.json"
 }
 
 while read -r name licence origin texts; do
