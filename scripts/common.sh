@@ -1,6 +1,7 @@
 # shellcheck shell=bash
 # Sourced by the scripts that build, test and show the project; they work in its top folder.
 set -euo pipefail
+script=$(realpath "$0")
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # A source that the Windows target is built from is unavailable: the code with which scripts/setup-windows says so.
@@ -8,6 +9,12 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 readonly unavailable=69
 
 jobs=${VANTRY_JOBS:-$(nproc)}
+
+# Says how the script is called, as its comment has it, and ends it.
+usage() {
+    sed --quiet 's/^# usage:/usage:/p' "$script" >&2
+    exit 64
+}
 
 # step TITLE COMMAND...
 # Says what begins and how long it took; what the command prints is shown only if it fails, with its exit code.
@@ -34,6 +41,11 @@ step() {
 
 # build PRESET TARGET...
 build() { cmake --preset "$1" && cmake --build --preset "$1" --parallel "$jobs" --target "${@:2}"; }
+
+# build_step TITLE PRESET TARGET...
+build_step() { step "$1 (some minutes the first time)" build "${@:2}"; }
+
+build_sandbox() { build_step "Building the sandbox" linux-debug vantry-sandbox; }
 
 as_root() { if [ "$(id --user)" = 0 ]; then "$@"; else sudo "$@"; fi; }
 
