@@ -1,20 +1,18 @@
 #include "desktop/DesktopHost.h"
 
-#include "resource.h"
+#include "support/Wait.h"
 
 #include <commctrl.h>
 #include <shlobj.h>
 
 #include <array>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <system_error>
-#include <thread>
 
 namespace
 {
-constexpr auto pause = std::chrono::milliseconds(20);
-
 std::filesystem::path program()
 {
     std::array<wchar_t, 32768> path{};
@@ -22,23 +20,12 @@ std::filesystem::path program()
     return std::filesystem::path(path.data()).replace_filename(L"vantry-desktop-host.exe");
 }
 
-std::wstring windowText(HWND window)
-{
-    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
-}
 } // namespace
 
 void waitUntil(const std::string& what, const std::function<bool()>& isTrue)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!isTrue()) {
-        if (std::chrono::steady_clock::now() > end) {
-            throw std::runtime_error("waited in vain for " + what);
-        }
-        std::this_thread::sleep_for(pause);
+    if (!becomesTrue(std::chrono::seconds(30), isTrue)) {
+        throw std::runtime_error("waited in vain for " + what);
     }
 }
 
@@ -53,17 +40,11 @@ HWND HostWindow::control(int id) const
 
 std::wstring HostWindow::text(int id) const
 {
-    return windowText(control(id));
-}
-
-bool HostWindow::isEnabled(int id) const
-{
-    return IsWindowEnabled(control(id)) != FALSE;
-}
-
-bool HostWindow::isVisible(int id) const
-{
-    return IsWindowVisible(control(id)) != FALSE;
+    HWND const window = control(id);
+    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
 }
 
 HWND HostWindow::usableControl(int id) const
@@ -127,32 +108,19 @@ static void require(bool succeeded, const char* what)
     }
 }
 
-/// Memory of the host's process, which messages about its lists have to point to.
-struct DesktopHost::RemoteMemory
+/// Memory of the host's process, which some messages have to point to.
+void* DesktopHost::allocate(std::size_t size) const
 {
-    RemoteMemory(HANDLE owner, std::size_t size)
-        : process(owner), address(VirtualAllocEx(owner, nullptr, size, MEM_COMMIT, PAGE_READWRITE))
-    {
-        require(address != nullptr, "VirtualAllocEx");
-    }
-    ~RemoteMemory() { VirtualFreeEx(process, address, 0, MEM_RELEASE); }
-    RemoteMemory(const RemoteMemory&) = delete;
-    RemoteMemory(RemoteMemory&&) = delete;
-    RemoteMemory& operator=(const RemoteMemory&) = delete;
-    RemoteMemory& operator=(RemoteMemory&&) = delete;
+    void* const address = VirtualAllocEx(m_process.handle(), nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+    require(address != nullptr, "VirtualAllocEx");
+    return address;
+}
 
-    void write(const void* data, std::size_t size) const
-    {
-        require(WriteProcessMemory(process, address, data, size, nullptr) != FALSE, "WriteProcessMemory");
-    }
-    void read(void* data, std::size_t size) const
-    {
-        require(ReadProcessMemory(process, address, data, size, nullptr) != FALSE, "ReadProcessMemory");
-    }
-
-    HANDLE process;
-    void* address;
-};
+void DesktopHost::write(void* address, const void* data, std::size_t size) const
+{
+    require(WriteProcessMemory(m_process.handle(), address, data, size, nullptr) != FALSE,
+            "WriteProcessMemory");
+}
 
 DesktopHost::DesktopHost(const std::wstring& arguments)
     : m_process(L"\"" + program().native() + L"\" " + arguments, false)
@@ -184,11 +152,6 @@ HostWindow DesktopHost::dialog() const
     return HostWindow(findWindow(true));
 }
 
-bool DesktopHost::isBusy() const
-{
-    return m_window.isVisible(IDC_PROGRESS);
-}
-
 void DesktopHost::waitForStatus(const std::wstring& status) const
 {
     waitUntil("the status \"" + std::filesystem::path(status).u8string() + "\"",
@@ -203,18 +166,23 @@ std::vector<std::vector<std::wstring>> DesktopHost::tickets() const
         LVITEMW item;
         std::array<wchar_t, 300> text;
     } query{};
-    const RemoteMemory memory(m_process.handle(), sizeof query);
+    const auto release = [this](void* address) {
+        VirtualFreeEx(m_process.handle(), address, 0, MEM_RELEASE);
+    };
+    const std::unique_ptr<void, decltype(release)> memory(allocate(sizeof query), release);
     std::vector<std::vector<std::wstring>> rows(
         static_cast<std::size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
     for (std::size_t row = 0; row < rows.size(); ++row) {
         for (int column = 0; column < 4; ++column) {
             query.item.iSubItem = column;
             query.item.cchTextMax = static_cast<int>(query.text.size());
-            query.item.pszText = reinterpret_cast<wchar_t*>(static_cast<char*>(memory.address) +
+            query.item.pszText = reinterpret_cast<wchar_t*>(static_cast<char*>(memory.get()) +
                                                             offsetof(decltype(query), text));
-            memory.write(&query, sizeof query);
-            SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(memory.address));
-            memory.read(&query, sizeof query);
+            write(memory.get(), &query, sizeof query);
+            SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(memory.get()));
+            require(ReadProcessMemory(m_process.handle(), memory.get(), &query, sizeof query, nullptr) !=
+                        FALSE,
+                    "ReadProcessMemory");
             rows[row].emplace_back(query.text.data());
         }
     }
@@ -261,10 +229,8 @@ void DesktopHost::drop(const std::vector<std::filesystem::path>& files) const
     header.fWide = TRUE;
     std::memcpy(data.data(), &header, sizeof header);
     std::memcpy(data.data() + sizeof header, names.data(), names.size() * sizeof(wchar_t));
-    void* const memory = VirtualAllocEx(m_process.handle(), nullptr, data.size(), MEM_COMMIT, PAGE_READWRITE);
-    require(memory != nullptr, "VirtualAllocEx");
-    require(WriteProcessMemory(m_process.handle(), memory, data.data(), data.size(), nullptr) != FALSE,
-            "WriteProcessMemory");
+    void* const memory = allocate(data.size());
+    write(memory, data.data(), data.size());
     require(PostMessageW(m_window.handle(), WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0) != FALSE,
             "PostMessage");
 }

@@ -2,9 +2,10 @@
 /// The desktop host in a process of its own, seen and used through its windows as a person would.
 #pragma once
 
+#include "resource.h"
+
 #include <windows.h>
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -22,8 +23,8 @@ public:
     HWND handle() const { return m_window; }
     HWND control(int id) const;
     std::wstring text(int id) const;
-    bool isEnabled(int id) const;
-    bool isVisible(int id) const;
+    bool isEnabled(int id) const { return IsWindowEnabled(control(id)) != FALSE; }
+    bool isVisible(int id) const { return IsWindowVisible(control(id)) != FALSE; }
     bool exists() const { return IsWindow(m_window) != FALSE; }
 
     void enter(int id, const std::wstring& text) const;
@@ -48,9 +49,7 @@ public:
     Process(std::wstring commandLine, bool inherits);
     ~Process();
     Process(const Process&) = delete;
-    Process(Process&&) = delete;
     Process& operator=(const Process&) = delete;
-    Process& operator=(Process&&) = delete;
 
     HANDLE handle() const { return m_information.hProcess; }
     DWORD id() const { return m_information.dwProcessId; }
@@ -76,7 +75,7 @@ public:
 
     /// Waits until the program has shown this in its status bar and is ready for the next command.
     void waitForStatus(const std::wstring& status) const;
-    bool isBusy() const;
+    bool isBusy() const { return m_window.isVisible(IDC_PROGRESS); }
 
     /// The cells of the tickets' list, row by row.
     std::vector<std::vector<std::wstring>> tickets() const;
@@ -91,8 +90,8 @@ public:
     DWORD exitCode() const { return m_process.exitCode(); }
 
 private:
-    struct RemoteMemory;
-
+    void* allocate(std::size_t size) const;
+    void write(void* address, const void* data, std::size_t size) const;
     HWND findWindow(bool isOwned) const;
 
     Process m_process;

@@ -21,6 +21,7 @@ namespace
 {
 constexpr int messageText = 0xFFFF; // of a message box
 constexpr const wchar_t* sessionStatus = L"Tickets of client 42: 0";
+constexpr const wchar_t* noteStatus = L"The note on ticket 1001 is saved. Files go to this note.";
 
 class Desktop : public testing::Test
 {
@@ -53,6 +54,13 @@ protected:
         host->waitForStatus(sessionStatus);
     }
 
+    void startWithSession()
+    {
+        startOnHttp();
+        openSession();
+    }
+
+    /// The first one.
     void createTicket(const std::wstring& subject)
     {
         host->window().click(IDC_NEW_TICKET);
@@ -61,6 +69,7 @@ protected:
         dialog.enter(IDC_TICKET_SUBJECT, subject);
         dialog.enter(IDC_TICKET_DETAIL, L"It blinks.\r\nTwice.");
         dialog.closeBy(IDOK);
+        host->waitForStatus(L"Tickets of client 42: 1");
     }
 
     void addNote(const std::wstring& text, bool isVisible = false)
@@ -75,13 +84,23 @@ protected:
         dialog.closeBy(IDOK);
     }
 
-    /// What the next message tells, which is then closed.
-    std::string nextMessage()
+    void startWithNote()
+    {
+        startWithSession();
+        createTicket(L"Printer");
+        addNote(L"Seen", true);
+        host->waitForStatus(noteStatus);
+    }
+
+    /// The next message tells all of this; it is closed.
+    void expectMessage(const std::vector<std::string>& parts)
     {
         const auto dialog = host->dialog();
         const auto text = narrow(dialog.text(messageText));
+        for (const auto& part : parts) {
+            EXPECT_NE(text.find(part), std::string::npos) << text;
+        }
         dialog.closeBy(IDOK);
-        return text;
     }
 
     /// The next dialog is the question about the certificate.
@@ -138,11 +157,10 @@ TEST_F(Desktop, DoesAWholeJobOverTls)
     host->waitForStatus(sessionStatus);
 
     createTicket(L"Größter Drucker");
-    host->waitForStatus(L"Tickets of client 42: 1");
     const std::vector<std::wstring> row{L"1001", L"Größter Drucker", L"Client 42", L"It blinks.\r\nTwice."};
     EXPECT_EQ(host->tickets(), std::vector<std::vector<std::wstring>>{row});
     addNote(L"Seen on site.\r\nPaper ordered.");
-    host->waitForStatus(L"The note on ticket 1001 is saved. Files go to this note.");
+    host->waitForStatus(noteStatus);
     const std::string content("\0\r\n\xFF", 4);
     host->drop({makeFile(L"Prüfbericht.bin", content), makeFile(L"empty.txt", "")});
     host->waitForStatus(L"The file empty.txt is attached to the note on ticket 1001.");
@@ -167,9 +185,7 @@ TEST_F(Desktop, ARefusedCertificateIsToldAndNothingIsSent)
     startOnHttps();
     host->window().click(IDC_OPEN_SESSION);
     answerCertificate(IDCANCEL);
-    const auto message = nextMessage();
-    EXPECT_EQ(message.find("The session could not be opened."), 0U) << message;
-    EXPECT_NE(message.find("Status 601: "), std::string::npos) << message;
+    expectMessage({"The session could not be opened.", "Status 601: "});
     EXPECT_TRUE(sandbox.requests().empty());
     EXPECT_TRUE(host->window().isEnabled(IDC_OPEN_SESSION));
     EXPECT_FALSE(host->window().isEnabled(IDC_NEW_TICKET));
@@ -180,37 +196,37 @@ TEST_F(Desktop, AWrongPasswordIsToldAndCanBeCorrected)
 {
     start(sandbox.http, L"not " + sandbox.password);
     host->window().click(IDC_OPEN_SESSION);
-    const auto message = nextMessage();
-    EXPECT_NE(message.find("does not accept the user name and password"), std::string::npos) << message;
-    EXPECT_NE(message.find("Status 401: Unauthorized"), std::string::npos) << message;
+    expectMessage({"does not accept the user name and password", "Status 401: Unauthorized"});
     host->window().enter(IDC_PASSWORD, sandbox.password);
     openSession();
 }
 
-TEST_F(Desktop, AServerThatIsGoneIsToldAndTheSessionCanBeGivenUp)
+TEST_F(Desktop, AProxysPageAndAServerThatIsGoneAreToldAndTheSessionCanBeGivenUp)
 {
     startOnHttp();
+    sandbox.plan(Answer(502, "<html>Bad gateway</html>", "text/html"));
+    host->window().click(IDC_OPEN_SESSION);
+    expectMessage({"a proxy's page or another website"});
     openSession();
     sandbox.plan(Answer::bytes("HTT").to("/helpdesk/rest/Tickets"));
     host->window().click(IDC_SHOW_TICKETS);
-    EXPECT_NE(nextMessage().find("Status 600: "), std::string::npos);
+    expectMessage({"Status 600: "});
     sandbox.plan(Answer::bytes("HTT").to("/helpdesk/rest/Session"));
     host->window().click(IDC_CLOSE_SESSION);
-    EXPECT_NE(nextMessage().find("Status 600: "), std::string::npos);
+    expectMessage({"Status 600: "});
     host->window().enter(IDC_ENDPOINT, L"http://127.0.0.1:1/helpdesk/rest"); // where nobody listens
     host->window().click(IDC_OPEN_SESSION);
-    EXPECT_NE(nextMessage().find("Status 600: "), std::string::npos);
+    expectMessage({"Status 600: "});
     endNormally();
 }
 
 TEST_F(Desktop, AnIdThatNoAddressCanCarryIsKeptFromTheLibrary)
 {
-    startOnHttp();
-    openSession();
+    startWithSession();
     for (const auto* id : {L"4 2", L"4\"2", L"4ü2", L""}) {
         host->window().enter(IDC_ENTITY_ID, id);
         host->window().click(IDC_SHOW_TICKETS);
-        EXPECT_EQ(nextMessage().find("The id of a client or asset"), 0U);
+        expectMessage({"The id of a client or asset"});
     }
     EXPECT_EQ(sandbox.requests().size(), 2U) << "more than the session and its first list";
     endNormally();
@@ -218,14 +234,9 @@ TEST_F(Desktop, AnIdThatNoAddressCanCarryIsKeptFromTheLibrary)
 
 TEST_F(Desktop, AFileThatCannotBeReadEndsTheRow)
 {
-    startOnHttp();
-    openSession();
-    createTicket(L"Printer");
-    host->waitForStatus(L"Tickets of client 42: 1");
-    addNote(L"Seen");
-    host->waitForStatus(L"The note on ticket 1001 is saved. Files go to this note.");
+    startWithNote();
     host->drop({makeFile(L"first.txt", "1"), folder, makeFile(L"last.txt", "3")});
-    EXPECT_NE(nextMessage().find("Not started: it is not a file"), std::string::npos);
+    expectMessage({"Not started: it is not a file"});
     EXPECT_EQ(sandbox.state().at("attachments").size(), 1U);
     EXPECT_TRUE(host->window().isEnabled(IDC_ATTACH_FILE));
     endNormally();
@@ -233,8 +244,7 @@ TEST_F(Desktop, AFileThatCannotBeReadEndsTheRow)
 
 TEST_F(Desktop, NothingElseCanBeStartedWhileAnOperationRuns)
 {
-    startOnHttp();
-    openSession();
+    startWithSession();
     sandbox.forgetRequests();
     sandbox.plan(Answer(200, "[]").held());
     host->window().click(IDC_SHOW_TICKETS);
@@ -279,41 +289,19 @@ TEST_F(Desktop, ClosingDuringTheCertificateQuestionRefusesIt)
     EXPECT_TRUE(sandbox.requests().empty());
 }
 
-TEST_F(Desktop, ClosingClosesTheSession)
-{
-    startOnHttp();
-    openSession();
-    endNormally();
-    EXPECT_EQ(stateOf("sessions"), "[]");
-}
-
 TEST_F(Desktop, NoFileGoesToTheNoteBeforeOneThatFailed)
 {
-    startOnHttp();
-    openSession();
-    createTicket(L"Printer");
-    host->waitForStatus(L"Tickets of client 42: 1");
-    addNote(L"Seen", true);
-    host->waitForStatus(L"The note on ticket 1001 is saved. Files go to this note.");
+    startWithNote();
     ASSERT_TRUE(host->window().isEnabled(IDC_ATTACH_FILE));
     sandbox.plan(Answer(500, "{}").to("/helpdesk/rest/TechNotes"));
     addNote(L"Refilled");
-    EXPECT_EQ(nextMessage().find("The note could not be saved."), 0U);
+    expectMessage({"The note could not be saved."});
     EXPECT_FALSE(host->window().isEnabled(IDC_ATTACH_FILE));
     host->drop({makeFile(L"photo.txt", "1")});
     endNormally();
     EXPECT_EQ(sandbox.state().at("techNotes").size(), 1U);
     EXPECT_EQ(sandbox.state().at("techNotes")[0].at("isHidden"), false);
     EXPECT_EQ(stateOf("attachments"), "[]");
-}
-
-TEST_F(Desktop, AProxysPageIsNotTakenForAServerOutOfReach)
-{
-    startOnHttp();
-    sandbox.plan(Answer(502, "<html>Bad gateway</html>", "text/html"));
-    host->window().click(IDC_OPEN_SESSION);
-    const auto message = nextMessage();
-    EXPECT_NE(message.find("a proxy's page or another website"), std::string::npos) << message;
 }
 
 TEST_F(Desktop, WarnsOfAnEndpointThatIsNotSecure)
@@ -331,12 +319,12 @@ TEST_F(Desktop, WarnsOfAnEndpointThatIsNotSecure)
     }
 }
 
-TEST_F(Desktop, RemembersServerUserAndColumnsButNoPassword)
+TEST_F(Desktop, ClosesTheSessionAndRemembersServerUserAndColumnsButNoPassword)
 {
-    startOnHttp();
-    openSession();
+    startWithSession();
     SendMessageW(host->window().control(IDC_TICKETS), LVM_SETCOLUMNWIDTH, 1, 321);
     endNormally();
+    EXPECT_EQ(stateOf("sessions"), "[]");
     host.emplace(L"");
     EXPECT_EQ(host->window().text(IDC_ENDPOINT), sandbox.http);
     EXPECT_EQ(host->window().text(IDC_USER), sandbox.user);
@@ -347,8 +335,7 @@ TEST_F(Desktop, RemembersServerUserAndColumnsButNoPassword)
 
 TEST_F(Desktop, SortsTheTicketsAndKeepsTheOrder)
 {
-    startOnHttp();
-    openSession();
+    startWithSession();
     const std::string tickets = R"([{"id":1000,"shortSubject":"b","shortDetail":"z","displayClient":"C"},)"
                                 R"({"id":999,"shortSubject":"a","shortDetail":"y","displayClient":"D"},)"
                                 R"({"id":1001,"shortSubject":"c","shortDetail":"x","displayClient":"B"}])";
@@ -359,22 +346,16 @@ TEST_F(Desktop, SortsTheTicketsAndKeepsTheOrder)
         }
         return ids;
     };
-    const auto waitForOrder = [&](const std::wstring& expected) {
-        waitUntil("the order " + narrow(expected), [&] { return order() == expected; });
-    };
     sandbox.plan(Answer(200, tickets));
-    host->window().click(IDC_SHOW_TICKETS);
-    waitForOrder(L"999 1000 1001 ");
-    host->window().choose(IDC_SORT_TICKET);
-    waitForOrder(L"1001 1000 999 ");
-    host->window().choose(IDC_SORT_SUBJECT);
-    waitForOrder(L"999 1000 1001 ");
-    host->window().choose(IDC_SORT_CLIENT);
-    waitForOrder(L"1001 1000 999 ");
-    host->window().choose(IDC_SORT_CLIENT);
-    waitForOrder(L"999 1000 1001 ");
-    host->window().choose(IDC_SORT_DETAIL);
-    waitForOrder(L"1001 999 1000 ");
+    for (const auto& [command, expected] : {std::pair{IDC_SHOW_TICKETS, L"999 1000 1001 "},
+                                            {IDC_SORT_TICKET, L"1001 1000 999 "},
+                                            {IDC_SORT_SUBJECT, L"999 1000 1001 "},
+                                            {IDC_SORT_CLIENT, L"1001 1000 999 "},
+                                            {IDC_SORT_CLIENT, L"999 1000 1001 "},
+                                            {IDC_SORT_DETAIL, L"1001 999 1000 "}}) {
+        host->window().choose(command);
+        waitUntil("the order " + narrow(expected), [&, next = expected] { return order() == next; });
+    }
     sandbox.plan(Answer(200, tickets));
     host->window().click(IDC_SHOW_TICKETS);
     host->waitForStatus(L"Tickets of client 42: 3");
@@ -435,7 +416,6 @@ TEST_F(Desktop, TheKeyboardReachesEverything)
     host->pressKey(VK_RETURN); // there: the default button
     host->waitForStatus(sessionStatus);
     createTicket(L"Printer");
-    host->waitForStatus(L"Tickets of client 42: 1");
     // Each stop with what Enter does there, which one button shows.
     const std::vector<std::pair<int, int>> expected{{IDC_NEW_TICKET, IDC_NEW_TICKET},
                                                     {IDC_ADD_NOTE, IDC_ADD_NOTE},

@@ -1,6 +1,7 @@
 #include "support/CapturedLog.h"
 
 #include "support/Text.h"
+#include "support/Wait.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/range/algorithm_ext/erase.hpp>
@@ -8,7 +9,6 @@
 #include <log4cxx/spi/loggingevent.h>
 
 #include <algorithm>
-#include <chrono>
 #include <mutex>
 
 namespace
@@ -92,6 +92,12 @@ void CapturedLog::onLine(const std::wstring& end, std::function<void()> action)
     m_appender->actions.emplace_back(end, std::move(action));
 }
 
+void CapturedLog::forgetActions()
+{
+    const std::lock_guard lock(m_appender->mutex);
+    m_appender->actions.clear();
+}
+
 void CapturedLog::clear()
 {
     const std::lock_guard lock(m_appender->mutex);
@@ -135,13 +141,9 @@ std::vector<std::wstring> CapturedLog::containing(const std::wstring& part) cons
 
 bool CapturedLog::waitFor(const std::wstring& end) const
 {
-    for (int attempt = 0; attempt < 1000; ++attempt) {
+    return becomesTrue(std::chrono::seconds(10), [&] {
         const auto now = lines();
-        if (std::any_of(now.begin(), now.end(),
-                        [&](const auto& line) { return boost::ends_with(line.text, end); })) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
+        return std::any_of(now.begin(), now.end(),
+                           [&](const auto& line) { return boost::ends_with(line.text, end); });
+    });
 }

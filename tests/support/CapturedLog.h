@@ -36,6 +36,7 @@ public:
     /// Calls `action` on the logging thread, with the lines before it captured, whenever a message ends with
     /// `end`. The action must not log, nor wait for a thread that does.
     void onLine(const std::wstring& end, std::function<void()> action);
+    void forgetActions();
 
     void clear();
     std::vector<LogLine> lines() const;
