@@ -96,18 +96,12 @@ const std::vector<Stage> steps{{"session", {{2001, {7}}}},
                                {"file", {{2001, {7}}, {2002, {}}}},
                                {"end", {{2001, {7}}, {2002, {5}}}}};
 
-std::string answer(const std::string& statusLine, const std::string& type, const std::string& body)
-{
-    return "HTTP/1.1 " + statusLine + "\r\nContent-Type: " + type +
-           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
-}
-
 /// By the code that the step itself does not have when it succeeds.
-std::vector<std::string> failures(const std::string& otherSuccess)
+std::vector<Answer> failures(int otherSuccess)
 {
-    return {answer("500 ", "application/json", "{}"), // no text to show
-            answer(otherSuccess, "application/json", R"({"id":9,"sessionKey":"key"})"),
-            answer("502 Bad Gateway", "text/html", "<h1>Bad gateway</h1>"), ""};
+    return {Answer::bytes("HTTP/1.1 500 \r\nContent-Length: 0\r\n\r\n"), // no text to show
+            Answer(otherSuccess, R"({"id":9,"sessionKey":"key"})"),
+            Answer(502, "<h1>Bad gateway</h1>", "text/html"), Answer::bytes("")};
 }
 } // namespace
 
@@ -115,10 +109,10 @@ TEST_P(Documents, ReportingTellsOfEachStepThatFails)
 {
     for (std::size_t failing = 0; failing < steps.size(); ++failing) {
         const bool isOfSession = failing == 0 || failing == steps.size() - 1;
-        for (const auto& failure : failures(isOfSession ? "201 Created" : "200 OK")) {
-            SCOPED_TRACE(steps[failing].name + ": " + failure);
+        for (auto& failure : failures(isOfSession ? 201 : 200)) {
+            SCOPED_TRACE(steps[failing].name + ": " + failure.plan().dump());
             reportEarlierFire();
-            sandbox.plan(Answer::bytes(failure).skip(static_cast<int>(failing)));
+            sandbox.plan(failure.skip(static_cast<int>(failing)));
             EXPECT_FALSE(GetParam().reports("photo"));
             EXPECT_EQ(files(), steps[failing].files);
         }
@@ -141,5 +135,4 @@ TEST_P(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Example, Documents, testing::ValuesIn(examples),
-                         [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Example, Documents, testing::ValuesIn(examples), testing::PrintToStringParamName());

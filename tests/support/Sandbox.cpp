@@ -2,10 +2,10 @@
 
 #include "support/Text.h"
 
+#include <boost/range/algorithm_ext/erase.hpp>
 #include <cpprest/http_client.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <set>
 #include <sstream>
@@ -44,11 +44,6 @@ Request parsed(bool secure, const std::string& raw)
     }
     return request;
 }
-
-bool isProbe(const Request& request)
-{
-    return request.method == "GET" && request.target == "/";
-}
 } // namespace
 
 Answer::Answer(int status, const std::string& body, const std::string& contentType)
@@ -59,33 +54,9 @@ Answer::Answer(int status, const std::string& body, const std::string& contentTy
     }
 }
 
-Answer& Answer::to(const std::string& path)
-{
-    m_plan["path"] = path;
-    return *this;
-}
-
-Answer& Answer::skip(int requests)
-{
-    m_plan["skip"] = requests;
-    return *this;
-}
-
 Answer& Answer::header(const std::string& name, const std::string& value)
 {
     m_plan["headers"][name] = value;
-    return *this;
-}
-
-Answer& Answer::after(int milliseconds)
-{
-    m_plan["delayMs"] = milliseconds;
-    return *this;
-}
-
-Answer& Answer::held()
-{
-    m_plan["held"] = true;
     return *this;
 }
 
@@ -130,7 +101,9 @@ std::vector<Request> Sandbox::allRequests() const
 std::vector<Request> Sandbox::requests() const
 {
     auto requests = allRequests();
-    requests.erase(std::remove_if(requests.begin(), requests.end(), isProbe), requests.end());
+    boost::remove_erase_if(requests, [](const auto& request) {
+        return request.method == "GET" && request.target == "/"; // a probe
+    });
     return requests;
 }
 

@@ -38,11 +38,14 @@ public:
     explicit Answer(int status, const std::string& body = "",
                     const std::string& contentType = "application/json");
 
-    Answer& to(const std::string& path); ///< only for requests of this path
-    Answer& skip(int requests);          ///< so many that fit are answered by the sandbox first
+    /// Only for requests of this path.
+    Answer& to(const std::string& path) { return order("path", path); }
+    /// So many that fit are answered by the sandbox first.
+    Answer& skip(int requests) { return order("skip", requests); }
     Answer& header(const std::string& name, const std::string& value);
-    Answer& after(int milliseconds);
-    Answer& held(); ///< until Sandbox::release()
+    Answer& after(int milliseconds) { return order("delayMs", milliseconds); }
+    /// Until Sandbox::release().
+    Answer& held() { return order("held", true); }
 
     /// Exactly these bytes.
     static Answer bytes(const std::string& raw);
@@ -54,6 +57,12 @@ public:
 
 private:
     explicit Answer(nlohmann::json plan) : m_plan(std::move(plan)) {}
+
+    Answer& order(const char* name, const nlohmann::json& value)
+    {
+        m_plan[name] = value;
+        return *this;
+    }
 
     nlohmann::json m_plan;
 };
