@@ -96,49 +96,45 @@ std::optional<int> statusOf(const json& value)
     return value.is_number() ? std::optional(value.get<int>()) : std::nullopt;
 }
 
-std::map<std::wstring, std::function<void()>> callsOf(const json& row)
+/// The name of the operation that the row gives a record of its own, and the call with it.
+std::pair<std::wstring, std::function<void()>> ownCallOf(const json& row)
 {
-    std::map<std::wstring, std::function<void()>> calls;
     if (const auto name = optional(row, "fileName", textOf)) {
-        calls[L"SaveAttachment"] = [name] { SaveAttachment({"x", *name}); };
+        return {L"SaveAttachment", [name] { SaveAttachment({"x", *name}); }};
     }
     if (const auto identifier = optional(row, "identifier", textOf)) {
-        calls[L"RequestTicketList"] = [identifier] { RequestTicketList(*identifier, Client); };
+        return {L"RequestTicketList", [identifier] { RequestTicketList(*identifier, Client); }};
     }
     if (const auto note = textsOf(row, "note"); !note.empty()) {
-        calls[L"SaveTechNote"] = [note] { SaveTechNote({note[0], note[1], 1, true}); };
+        return {L"SaveTechNote", [note] { SaveTechNote({note[0], note[1], 1, true}); }};
     }
     if (const auto ticket = textsOf(row, "ticket"); !ticket.empty()) {
-        calls[L"CreateTicket"] = [ticket] { CreateTicket({ticket[0], Client, ticket[1], ticket[2]}); };
+        return {L"CreateTicket", [ticket] { CreateTicket({ticket[0], Client, ticket[1], ticket[2]}); }};
     }
-    return calls;
+    return {};
 }
 
 /// @throws std::invalid_argument for a word that nothing reads: the row would test something else than it
 /// says
-template <typename Words>
-void requireKnown(const Words& words, const std::set<std::string>& known)
+void requireKnown(const std::string& word, const std::set<std::string>& known)
 {
-    for (const auto& word : words) {
-        if (known.count(word) == 0) {
-            throw std::invalid_argument("the catalogue of faults has an unknown word: " + word);
-        }
+    if (known.count(word) == 0) {
+        throw std::invalid_argument("the catalogue of faults has an unknown word: " + word);
     }
 }
 
 void requireKnownWords(const json& row)
 {
-    std::vector<std::string> members;
     for (const auto& [member, value] : row.items()) {
-        members.push_back(member);
+        requireKnown(member, {"answer", "but",     "connection", "credentials", "endPoint", "fileName",
+                              "flags",  "gives",   "host",       "identifier",  "leaves",   "name",
+                              "note",   "only",    "over",       "probe",       "stage",    "text",
+                              "ticket", "tickets", "ticketId",   "what",        "windows"});
     }
-    requireKnown(members, {"answer", "but",     "connection", "credentials", "endPoint", "fileName",
-                           "flags",  "gives",   "host",       "identifier",  "leaves",   "name",
-                           "note",   "only",    "over",       "probe",       "stage",    "text",
-                           "ticket", "tickets", "ticketId",   "what",        "windows"});
-    requireKnown(row.value("flags", std::vector<std::string>()),
-                 {"costly", "downloads", "large", "linuxOnly", "losesWindow", "orUsual", "silent",
-                  "slowOnWindows", "text", "unsanitized", "waits", "withoutWindow"});
+    for (const auto& flag : row.value("flags", json::array())) {
+        requireKnown(flag, {"costly", "downloads", "large", "linuxOnly", "losesWindow", "silent",
+                            "slowOnWindows", "text", "unsanitized", "waits", "withoutWindow"});
+    }
 }
 
 std::vector<Fault> readCatalogue()
@@ -166,15 +162,16 @@ Fault::Fault(const json& row)
       answer(optional(row, "answer", scriptOf)), probe(optional(row, "probe", scriptOf)),
       connection(optional(row, "connection", [](const auto& order) { return order; })),
       endPoint(optional(row, "endPoint", textOf)), credentials(textsOf(row, "credentials")),
-      host(row.value("host", "")), calls(callsOf(row)), only(textsOf(row, "only")),
-      leaves(row.value("leaves", "")), isOfWine(isWindows && row.contains("windows")),
+      host(row.value("host", "")), only(textsOf(row, "only")), leaves(row.value("leaves", "")),
+      isOfWine(isWindows && row.contains("windows")),
       gives(statusOf(row.value(isOfWine ? "windows" : "gives", json()))),
       text(optional(row, "text", textOf).value_or(L"")), ticketId(optional(row, "ticketId", textOf)),
       tickets(optional(row, "tickets", [](const auto& count) { return count.template get<std::size_t>(); })),
       flags(row.value("flags", std::vector<std::string>()))
 {
-    if (!calls.empty()) {
-        only = {calls.begin()->first};
+    if (auto [operation, call] = ownCallOf(row); call) {
+        only = {operation};
+        ownCall = std::move(call);
     }
     const auto others = row.value("but", json::object());
     for (const auto& [operation, other] : others.items()) {

@@ -39,16 +39,16 @@ struct Fault
     std::optional<nlohmann::json> connection; ///< the sandbox's order, without "secure"
     std::optional<std::wstring> endPoint;
     std::vector<std::wstring> credentials;
-    std::string host;                                    ///< what the host does, see HostFaults.h
-    std::map<std::wstring, std::function<void()>> calls; ///< operations with other records than usually
-    std::vector<std::wstring> only;                      ///< the operations; empty: all
-    std::string leaves;                                  ///< the exception; empty: none
-    bool isOfWine;                                       ///< Windows itself may give another status
-    std::optional<int> gives;                            ///< the status; none: the operation's success
-    std::wstring text;                                   ///< part of the outcome's text
-    std::map<std::wstring, std::optional<int>> but;      ///< the status of some operations
-    std::optional<std::wstring> ticketId;                ///< of a ticket that is created
-    std::optional<std::size_t> tickets;                  ///< in a list that comes
+    std::string host;                               ///< what the host does, see HostFaults.h
+    std::function<void()> ownCall;                  ///< the operation, if with another record than usually
+    std::vector<std::wstring> only;                 ///< the operations; empty: all
+    std::string leaves;                             ///< the exception; empty: none
+    bool isOfWine;                                  ///< Windows itself may give another status
+    std::optional<int> gives;                       ///< the status; none: the operation's success
+    std::wstring text;                              ///< part of the outcome's text
+    std::map<std::wstring, std::optional<int>> but; ///< the status of some operations
+    std::optional<std::wstring> ticketId;           ///< of a ticket that is created
+    std::optional<std::size_t> tickets;             ///< in a list that comes
     std::vector<std::string> flags;
 };
 

@@ -2,18 +2,13 @@
 /// Faults of the host's own, by the names in the catalogue.
 #pragma once
 
-#include <functional>
+#include "support/CapturedLog.h"
+
 #include <string>
 
-struct Surroundings
-{
-    std::function<void(std::function<void()>)> onEveryLine; ///< sets what is called with each line of the log
-    std::wstring endPoint;
-};
-
-/// Brings about the fault of this name.
+/// Brings about the fault of this name, at the endpoint that is set.
 /// @throws std::out_of_range for an unknown name
-void beginHostFault(const std::string& name, const Surroundings& around);
+void beginHostFault(const std::string& name, CapturedLog& log, const std::wstring& endPoint);
 
-/// Ends a shortage of the system's. What was set in the library stays: the caller sets it anew.
+/// Ends a shortage of the system's. What was set in the library or the log stays: the caller sets it anew.
 void endHostFault(const std::string& name);

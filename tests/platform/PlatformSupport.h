@@ -3,14 +3,11 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
-#include <vector>
 
 /// Makes this process trust the sandbox's certificate authority. Call it before the first TLS connection.
 void trustAuthority(const std::string& pemFile, const std::string& der);
-
-/// Whether the authority is trusted throughout: tests that need it untrusted cannot run then.
-bool authorityStaysTrusted();
 
 constexpr bool isWindows = VANTRY_WINDOWS;
 
@@ -31,6 +28,15 @@ std::size_t countThreads();
 
 /// Handles, or descriptors.
 std::size_t countHandles();
+
+struct Shortage
+{
+    void (*begin)();
+    void (*end)();
+};
+
+/// Shortages of resources that a test can bring about here, by the names in the catalogue of faults.
+const std::map<std::string, Shortage>& shortages();
 
 /// `text` in the calling thread's ANSI code page.
 std::string inThreadCodePage(const std::wstring& text);

@@ -5,8 +5,12 @@
 #include <openssl/bio.h>
 #include <openssl/conf.h>
 #include <openssl/crypto.h>
+#include <pthread.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -14,9 +18,56 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace
 {
+constexpr rlim_t standardStreams = STDERR_FILENO + 1; ///< the only ones that stay open for sure
+constexpr rlim_t headroom = 64UL * 1024 * 1024;
+constexpr std::size_t usualStack = 8UL * 1024 * 1024;
+constexpr std::size_t impossibleStack = 1UL << 47U;
+
+void require(bool done)
+{
+    if (!done) {
+        throw std::system_error(errno, std::generic_category());
+    }
+}
+
+void limit(__rlimit_resource resource, rlim_t value)
+{
+    rlimit limits{};
+    require(getrlimit(resource, &limits) == 0);
+    limits.rlim_cur = std::min(value, limits.rlim_max);
+    require(setrlimit(resource, &limits) == 0);
+}
+
+void setStackOfThreads(std::size_t bytes)
+{
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, bytes);
+    errno = pthread_setattr_default_np(&attributes);
+    pthread_attr_destroy(&attributes);
+    require(errno == 0);
+}
+
+struct Memory
+{
+    std::size_t addressSpace = 0;
+    std::size_t inUse = 0;
+};
+
+/// Of this process, in bytes.
+Memory memory()
+{
+    std::ifstream statm("/proc/self/statm");
+    Memory pages;
+    statm >> pages.addressSpace >> pages.inUse;
+    const auto pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return {pages.addressSpace * pageSize, pages.inUse * pageSize};
+}
+
 std::size_t countEntries(const char* folder)
 {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
@@ -29,31 +80,16 @@ void trustAuthority(const std::string& pemFile, const std::string& /*der*/)
     setenv("SSL_CERT_FILE", pemFile.c_str(), 1);
 }
 
-bool authorityStaysTrusted()
-{
-    return false;
-}
-
 std::size_t residentMemory()
 {
-    std::ifstream statm("/proc/self/statm");
-    std::size_t all = 0;
-    std::size_t resident = 0;
-    statm >> all >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return memory().inUse;
 }
 
 std::size_t peakMemory()
 {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    std::size_t kibibytes = 0;
-    while (status >> word && word != "VmHWM:") {
-    }
-    if (!(status >> kibibytes)) {
-        throw std::runtime_error("no VmHWM in /proc/self/status");
-    }
-    return kibibytes * 1024;
+    rusage usage{};
+    require(getrusage(RUSAGE_SELF, &usage) == 0);
+    return static_cast<std::size_t>(usage.ru_maxrss) * 1024;
 }
 
 void allowOldTls()
@@ -85,4 +121,16 @@ std::size_t countHandles()
 std::string inThreadCodePage(const std::wstring& text)
 {
     return narrow(text);
+}
+
+const std::map<std::string, Shortage>& shortages()
+{
+    static const std::map<std::string, Shortage> all{
+        {"noDescriptors",
+         {[] { limit(RLIMIT_NOFILE, standardStreams); }, [] { limit(RLIMIT_NOFILE, RLIM_INFINITY); }}},
+        {"noMemory",
+         {[] { limit(RLIMIT_AS, memory().addressSpace + headroom); },
+          [] { limit(RLIMIT_AS, RLIM_INFINITY); }}},
+        {"noThread", {[] { setStackOfThreads(impossibleStack); }, [] { setStackOfThreads(usualStack); }}}};
+    return all;
 }
