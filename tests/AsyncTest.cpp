@@ -3,8 +3,8 @@
 #include "support/VantryTest.h"
 
 #include <cstdlib>
-#include <future>
 #include <iostream>
+#include <tuple>
 
 using namespace std::chrono_literals;
 
@@ -17,6 +17,7 @@ class Asynchronous : public VantryTest
 protected:
     Asynchronous()
     {
+        testing::FLAGS_gtest_death_test_style = "threadsafe"; // the library has threads
         SetHWND(window.handle());
         log.clear();
     }
@@ -54,7 +55,8 @@ TEST_P(EveryAsynchronous, OneMessageFollowsTheResult)
     EXPECT_EQ(GetLastResponse().httpStatusCode, 418);
 }
 
-INSTANTIATE_TEST_SUITE_P(Call, EveryAsynchronous, testing::ValuesIn(operations()), nameOfParameter);
+INSTANTIATE_TEST_SUITE_P(Call, EveryAsynchronous, testing::ValuesIn(operations()),
+                         testing::PrintToStringParamName());
 
 TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)
 {
@@ -65,110 +67,87 @@ TEST_F(Asynchronous, TheWorkerLogsWhatItDoesAndAnnouncesItsEndLast)
     expectLog("asynchronous-worker", log.texts(CapturedLog::Threads::others));
 }
 
-namespace
+/// The host overwrites its record as soon as the worker runs, before that has read anything.
+TEST_F(Asynchronous, AReusedRecordArrivesAsItWas)
 {
-/// The host's record is overwritten as soon as the worker runs, before it has read anything.
-class ReusedRecord : public Asynchronous
-{
-protected:
-    /// What arrives of a call with `record`.
-    template <typename Record>
-    Request sentOf(Record record, const Record& other, const std::wstring& member,
-                   const std::function<void(const Record&)>& call)
-    {
+    const auto sentOf = [this](auto record, const auto& other, const std::wstring& member, const auto& call) {
         log.clear();
         sandbox.forgetRequests();
         log.onLine(L"::" + member + L" entering.", [&] { record = other; });
         call(record);
         finish(window);
+        log.forgetActions();
         return sandbox.onlyRequest();
-    }
-};
-} // namespace
-
-TEST_F(ReusedRecord, ArrivesAsItWas)
-{
+    };
     EXPECT_EQ(
-        sentOf<TechNote>({L"1", L"mine", 5, true}, {L"2", L"other", 6, false}, L"saveTechNote", SaveTechNote)
+        sentOf(TechNote{L"1", L"mine", 5, true}, TechNote{L"2", L"other", 6, false}, L"saveTechNote",
+               SaveTechNote)
             .body,
         R"({"isHidden":false,"jobticket":{"id":"1","type":"JobTicket"},"noteText":"mine","workTime":"5"})");
-    EXPECT_NE(
-        sentOf<Attachment>({"mine", L"mine.txt"}, {"other", L"other.txt"}, L"saveAttachment", SaveAttachment)
-            .body.find("mine.txt\"\r\nContent-Type: null\r\nContent-Transfer-Encoding: "
-                       "binary\r\n\r\nmine\r\n"),
-        std::string::npos);
-    EXPECT_EQ(sentOf<TicketCreationInformation>({L"1", Client, L"mine", L"my text"},
-                                                {L"2", Asset, L"other", L"text"}, L"createTicket",
-                                                CreateTicket)
+    EXPECT_NE(sentOf(Attachment{"mine", L"mine.txt"}, Attachment{"other", L"other.txt"}, L"saveAttachment",
+                     SaveAttachment)
+                  .body.find("mine.txt\"\r\nContent-Type: null\r\nContent-Transfer-Encoding: "
+                             "binary\r\n\r\nmine\r\n"),
+              std::string::npos);
+    EXPECT_EQ(sentOf(TicketCreationInformation{L"1", Client, L"mine", L"my text"},
+                     TicketCreationInformation{L"2", Asset, L"other", L"text"}, L"createTicket", CreateTicket)
                   .body,
               R"({"clientReporter":{"id":"1","type":"Client"},"detail":"my text","subject":"mine"})");
     const auto list = [](const std::wstring& identifier) { RequestTicketList(identifier, Client); };
-    EXPECT_NE(sentOf<std::wstring>(L"1", L"2", L"requestTicketList", list).target.find("(clientId=1)"),
+    EXPECT_NE(sentOf(std::wstring(L"1"), std::wstring(L"2"), L"requestTicketList", list)
+                  .target.find("(clientId=1)"),
               std::string::npos);
 }
 
 namespace
 {
-/// Holds the worker at a line of info level while the host reads the getters, which log nothing then.
+/// A host that reads the getters while an operation is under way.
 class WhileRunning : public Asynchronous
 {
 protected:
-    void start(const Operation& call, const std::wstring& heldAt)
+    using Results = std::tuple<int, std::wstring, std::wstring>; ///< code, text and ticket
+
+    /// What is to be read when the operation logs a line that ends with one of these.
+    std::vector<Results> readAt(const Operation& call, const std::vector<std::wstring>& lines)
     {
-        CapturedLog::setLevel(log4cxx::Level::getInfo());
-        log.onLine(heldAt, [this] {
-            reached.set_value();
-            released.get_future().wait();
-        });
+        CapturedLog::setLevel(log4cxx::Level::getInfo()); // the getters log nothing then
+        std::vector<Results> read;
+        for (const auto& line : lines) {
+            log.onLine(line, [&read] {
+                const auto& status = GetLastResponse();
+                read.emplace_back(status.httpStatusCode, status.errorMessage, GetCreatedTicketID());
+            });
+        }
         call.start();
-        reached.get_future().wait();
-    }
-
-    void finishHeld()
-    {
-        released.set_value();
         finish(window, false);
+        log.forgetActions();
+        return read;
     }
-
-    std::promise<void> reached;
-    std::promise<void> released;
 };
 } // namespace
 
 TEST_F(WhileRunning, ATicketUnderWayHasNoOutcomeYet)
 {
+    const auto& call = operation(L"CreateTicket");
     sandbox.plan(Answer(201, R"({"id":7})"));
-    operation(L"CreateTicket").start();
+    call.start();
     finish(window);
     EXPECT_EQ(GetCreatedTicketID(), L"7");
-    start(operation(L"CreateTicket"), operation(L"CreateTicket").path);
-    expectStatus(-1, L"Internal Error: Object wasn't initialized.");
-    EXPECT_EQ(GetCreatedTicketID(), L"");
-    finishHeld();
+    EXPECT_EQ(readAt(call, {call.path}),
+              (std::vector<Results>{{-1, L"Internal Error: Object wasn't initialized.", L""}}));
     expectStatus(201, L"Created");
 }
 
-TEST_F(WhileRunning, AnyOtherCallUnderWayLeavesTheLastOutcome)
-{
-    sandbox.plan(Answer(418, "{}"));
-    CreateSession();
-    finish(window);
-    start(operation(L"SaveTechNote"), operation(L"SaveTechNote").path);
-    EXPECT_EQ(GetLastResponse().httpStatusCode, 418);
-    finishHeld();
-    EXPECT_NE(GetLastResponse().httpStatusCode, 418);
-}
-
-TEST_F(WhileRunning, APlainConnectionCountsAs200WithTheOldTextUntilTheAnswerComes)
+TEST_F(WhileRunning, AnyOtherCallLeavesTheLastOutcomeAndOnAPlainConnectionIs200WithItsTextUntilTheAnswer)
 {
     sandbox.plan(Answer(404, "{}"));
     CreateSession();
     finish(window);
-    const auto text = GetLastResponse().errorMessage;
-    EXPECT_EQ(text, L"Not Found");
-    start(operation(L"SaveTechNote"), L"; We are sending request with method: POST");
-    expectStatus(200, text);
-    finishHeld();
+    const auto& call = operation(L"SaveTechNote");
+    sandbox.plan(Answer(201, "{}"));
+    EXPECT_EQ(readAt(call, {call.path, L"; We are sending request with method: POST"}),
+              (std::vector<Results>{{404, L"Not Found", L""}, {200, L"Not Found", L""}}));
+    expectStatus(201, L"Created");
 }
 
 TEST_F(Asynchronous, ACallAnnouncesItsEndToTheWindowItWasStartedWith)
@@ -183,26 +162,20 @@ TEST_F(Asynchronous, ACallAnnouncesItsEndToTheWindowItWasStartedWith)
     finish(other, false);
 }
 
-namespace
-{
-/// A host that uses all that it may as soon as the message has come.
-void changeEverySetting(const Sandbox& sandbox, int round)
-{
-    const auto other = std::to_wstring(round);
-    SetCredentials(L"somebody " + other, L"a password that is not stored in place " + other);
-    SetEndPoint(L"http://somewhere.example/a/path/that/is/not/stored/in/place/" + other);
-    SetValidateCertificateCallback([other](const CERT_CONTEXT&) { return other.empty(); });
-    SetHWND(nullptr);
-    SetCredentials(sandbox.user, sandbox.password);
-    SetEndPoint(sandbox.https);
-    SetValidateCertificateCallback([other](const CERT_CONTEXT&) { return !other.empty(); });
-}
-} // namespace
-
 /// The worker may still be on its way out: nothing of what it then reads may be the host's to change. What
 /// fails here fails under a sanitizer.
 TEST_F(Asynchronous, AtTheMessageTheHostMayChangeEverySettingAndStartTheNextCall)
 {
+    const auto changeEverySetting = [this](int round) {
+        const auto other = std::to_wstring(round);
+        SetCredentials(L"somebody " + other, L"a password that is not stored in place " + other);
+        SetEndPoint(L"http://somewhere.example/a/path/that/is/not/stored/in/place/" + other);
+        SetValidateCertificateCallback([other](const CERT_CONTEXT&) { return other.empty(); });
+        SetHWND(nullptr);
+        SetCredentials(sandbox.user, sandbox.password);
+        SetEndPoint(sandbox.https);
+        SetValidateCertificateCallback([other](const CERT_CONTEXT&) { return !other.empty(); });
+    };
     useHttps();
     window.delaySender(2ms);
     for (int round = 0; round < 10; ++round) {
@@ -213,7 +186,7 @@ TEST_F(Asynchronous, AtTheMessageTheHostMayChangeEverySettingAndStartTheNextCall
             ASSERT_TRUE(window.next(20s)) << "no message";
             EXPECT_NE(GetLastResponse().httpStatusCode, 601);
             EXPECT_LT(GetLastResponse().httpStatusCode, 600);
-            changeEverySetting(sandbox, round);
+            changeEverySetting(round);
         }
     }
     CreateSession();
@@ -223,7 +196,6 @@ TEST_F(Asynchronous, AtTheMessageTheHostMayChangeEverySettingAndStartTheNextCall
 /// At another moment of the call each time.
 TEST_F(Asynchronous, AProcessMayEndWhileACallRunsOverHttps)
 {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     useHttps();
     CapturedLog::setLevel(log4cxx::Level::getOff());
     const auto endDuringCall = [](std::chrono::milliseconds time) {
@@ -240,7 +212,6 @@ TEST_F(Asynchronous, AProcessMayEndWhileACallRunsOverHttps)
 /// What an operation uses is destroyed at the end of the process, but not while the operation runs.
 TEST_F(Asynchronous, TheEndOfTheProcessLeavesARunningCallWhatItUses)
 {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     CapturedLog::setLevel(log4cxx::Level::getOff());
     sandbox.plan(Answer(200).held());
     const auto end = [](bool whileACallRuns) {
@@ -259,7 +230,6 @@ TEST_F(Asynchronous, TheEndOfTheProcessLeavesARunningCallWhatItUses)
 /// An answer with a number where a text belongs: without a window the exception would reach the host.
 TEST_F(Asynchronous, AnExceptionThatLeavesACallEndsTheProcessAfterTheMessage)
 {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     log.onLine(L"Sending signal async request finished.", [] { std::cerr << "The window is told.\n"; });
     sandbox.plan(Answer(200, R"([{"id":1,"shortSubject":3}])"));
     const auto listAndDie = [] {

@@ -121,4 +121,5 @@ TEST_P(EveryOperation, AgainstNoServerLeavesStatus600AndTheSystemsTextInTheLog)
               {{GetLastResponse().errorMessage, L"{message}"}});
 }
 
-INSTANTIATE_TEST_SUITE_P(Call, EveryOperation, testing::ValuesIn(operations()), nameOfParameter);
+INSTANTIATE_TEST_SUITE_P(Call, EveryOperation, testing::ValuesIn(operations()),
+                         testing::PrintToStringParamName());

@@ -5,7 +5,6 @@
 #include "platform/PlatformSupport.h"
 #include "support/CapturedLog.h"
 #include "support/Golden.h"
-#include "support/LogText.h"
 #include "support/Operations.h"
 #include "support/Sandbox.h"
 #include "support/Text.h"
@@ -15,6 +14,16 @@
 #include <gtest/gtest.h>
 
 #include <string>
+
+/// Parts of the log's lines.
+namespace LogText
+{
+const std::wstring api = L"VantryIntegrationApi::CVantryApi::";
+const std::wstring utils = L"VantryIntegrationApi::Utils::";
+const std::wstring mask = L"***************";
+const std::wstring failure =
+    L"We've got an error during request. See logged status code and message for more details.";
+} // namespace LogText
 
 /// Each test has a process of its own: library, sandbox and certificates are new.
 class VantryTest : public testing::Test
@@ -63,11 +72,4 @@ protected:
 class EveryOperation : public VantryTest, public testing::WithParamInterface<Operation>
 {};
 
-inline std::string nameOfParameter(const testing::TestParamInfo<Operation>& info)
-{
-    return narrow(info.param.exportName);
-}
-
-constexpr const wchar_t* requestFailedText =
-    L"Error while sending a request to the Vantry server. See log files for more information.";
 constexpr const wchar_t* certificateRefusedText = L"Could not verify the Vantry certificate.";

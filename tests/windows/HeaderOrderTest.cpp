@@ -1,5 +1,4 @@
-// A host may include the system's headers before the library's; PublicHeaderTest.cpp does it the other way
-// round.
+// A host may include the system's headers before the library's; UnloadTest.cpp does it the other way round.
 #include <windows.h>
 
 #include <wincrypt.h>
