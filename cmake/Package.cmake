@@ -11,6 +11,7 @@ endforeach()
 # Licences and bill of materials of the recipes' components that an installation redistributes.
 function(vantry_install_notices)
   cmake_parse_arguments(PARSE_ARGV 0 ARG "" "" "COMPONENTS;OPTIONS")
+  list(REMOVE_DUPLICATES ARG_COMPONENTS)
   install(
     CODE "set(components ${ARG_COMPONENTS})
 set(dependency_prefix \"${dependency_prefix}\")
@@ -55,7 +56,6 @@ if(TARGET vantry-desktop-host AND TARGET vantry-sandbox)
   install(FILES examples/desktop-host/try-it.cmd DESTINATION .)
   install(DIRECTORY docs/images DESTINATION .)
   list(APPEND package_components ${sandbox_components})
-  list(REMOVE_DUPLICATES package_components)
 endif()
 vantry_install_notices(COMPONENTS ${package_components})
 
@@ -70,9 +70,8 @@ if(TARGET vantry-self-check AND TARGET vantry-tests AND TARGET vantry-sandbox)
   install(FILES self-check/self-check.cmd self-check/README.md DESTINATION . ${self_check_options})
   install(DIRECTORY tests/golden DESTINATION tests ${self_check_options})
   install(FILES tests/faults/faults.json DESTINATION tests/faults ${self_check_options})
-  set(self_check_components ${library_components} ${sandbox_components} googletest)
-  list(REMOVE_DUPLICATES self_check_components)
-  vantry_install_notices(COMPONENTS ${self_check_components} OPTIONS ${self_check_options})
+  vantry_install_notices(COMPONENTS ${library_components} ${sandbox_components} googletest
+                         OPTIONS ${self_check_options})
 
   set(self_check_config ${PROJECT_BINARY_DIR}/CPackSelfCheckConfig.cmake)
   file(
