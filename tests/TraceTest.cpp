@@ -46,22 +46,18 @@ TEST_P(EveryWholeCall, LeavesItsLog)
 INSTANTIATE_TEST_SUITE_P(Log, EveryWholeCall, testing::ValuesIn(wholeCalls),
                          [](const auto& info) { return boost::erase_all_copy(info.param.log, "-"); });
 
-TEST_F(Trace, OfASessionOverTlsWhenTheHostTrustsTheServer)
+TEST_F(Trace, OfASessionOverTlsWithACallbackAndWithoutOne)
 {
     useHttps();
-    SetValidateCertificateCallback([](const CERT_CONTEXT&) { return true; });
-    log.clear();
-    sandbox.plan(sessionAnswer().to("/helpdesk/rest/Session"));
-    CreateSession();
-    expectLog("session-opened-tls");
-}
-
-TEST_F(Trace, OfASessionOverTlsWithoutACallback)
-{
-    useHttps();
-    sandbox.plan(sessionAnswer().to("/helpdesk/rest/Session"));
-    CreateSession();
-    expectLog("session-opened-tls-unasked");
+    const ValidateCertificateCallback trust = [](const CERT_CONTEXT&) { return true; };
+    for (const auto& [file, callback] :
+         {std::pair{"session-opened-tls", trust}, {"session-opened-tls-unasked", nullptr}}) {
+        SetValidateCertificateCallback(callback);
+        log.clear();
+        sandbox.plan(sessionAnswer().to("/helpdesk/rest/Session"));
+        CreateSession();
+        expectLog(file);
+    }
 }
 
 TEST_F(Trace, OfAnUploadWithWhatSessionAndNoteLeft)

@@ -103,9 +103,6 @@ protected:
         dialog.closeBy(IDOK);
     }
 
-    /// The next dialog is the question about the certificate.
-    void answerCertificate(int button) { host->dialog().closeBy(button); }
-
     std::filesystem::path makeFile(const std::wstring& name, const std::string& content) const
     {
         std::ofstream(folder / name, std::ios::binary) << content;
@@ -153,7 +150,7 @@ TEST_F(Desktop, DoesAWholeJobOverTls)
     EXPECT_EQ(question.text(IDC_FINGERPRINT), fingerprint(sandbox.get("/leaf.der")));
     EXPECT_TRUE(sandbox.requests().empty()) << "sent before the answer";
     EXPECT_TRUE(host->isBusy());
-    answerCertificate(IDOK); // holds from now on: any further question would leave what follows waiting
+    question.closeBy(IDOK); // holds from now on: any further question would leave what follows waiting
     host->waitForStatus(sessionStatus);
 
     createTicket(L"Größter Drucker");
@@ -184,7 +181,7 @@ TEST_F(Desktop, ARefusedCertificateIsToldAndNothingIsSent)
 {
     startOnHttps();
     host->window().click(IDC_OPEN_SESSION);
-    answerCertificate(IDCANCEL);
+    host->dialog().closeBy(IDCANCEL); // the question about the certificate
     expectMessage({"The session could not be opened.", "Status 601: "});
     EXPECT_TRUE(sandbox.requests().empty());
     EXPECT_TRUE(host->window().isEnabled(IDC_OPEN_SESSION));

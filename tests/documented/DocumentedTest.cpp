@@ -5,7 +5,6 @@
 #include <vantry.hpp>
 
 #include <map>
-#include <ostream>
 
 void reportFire(const std::string& photo);                       // the README's
 std::vector<ResponseStatus> reportFire(const Attachment& photo); // the hosts' page's
@@ -42,11 +41,6 @@ const std::vector<Example> examples{
          return reportFire(Attachment{photo, L"photo.jpg"}).empty();
      },
      [] { SetValidateCertificateCallback([](const CERT_CONTEXT&) { return accepted-- > 0; }); }}};
-
-std::ostream& operator<<(std::ostream& out, const Example& example)
-{
-    return out << example.name;
-}
 
 /// The sizes of each note's files, by the notes' ids.
 using Files = std::map<int, std::vector<int>>;
@@ -135,4 +129,5 @@ TEST_P(Documents, ReportingTellsOfEachStepWhoseCertificateIsRefused)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Example, Documents, testing::ValuesIn(examples), testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(Example, Documents, testing::ValuesIn(examples),
+                         [](const auto& info) { return info.param.name; });

@@ -22,6 +22,8 @@ using namespace std::chrono_literals;
 
 namespace
 {
+constexpr std::size_t mebibyte = 1024UL * 1024;
+
 /// Whether its test does little but wait: these tests run all at once.
 bool waits(const Fault& fault)
 {
@@ -35,14 +37,6 @@ std::chrono::seconds limitOf(const Fault& fault)
     }
     // Where the HTTP stack does not wait, less than the 30 s that it waits for.
     return fault.is("costly") ? 150s : waits(fault) ? 60s : 25s;
-}
-
-/// What a process may need in all, beyond which a server could exhaust it: an answer of 256 MiB with its
-/// copies, or the values of the largest JSON text that is read.
-std::size_t memoryLimitOf(const Fault& fault)
-{
-    constexpr std::size_t mebibyte = 1024UL * 1024;
-    return (fault.is("large") ? 2048 : 1000) * mebibyte;
 }
 
 /// One way in which the fault is met.
@@ -383,10 +377,7 @@ std::vector<const Fault*> faultsThatWait(bool wait)
     return faults;
 }
 
-std::string nameOf(const testing::TestParamInfo<const Fault*>& info)
-{
-    return info.param->name;
-}
+const auto nameOf = [](const auto& info) { return info.param->name; };
 } // namespace
 
 TEST_P(EveryFault, EndsAsTheCatalogueSays)
@@ -407,12 +398,14 @@ TEST_P(EveryFault, EndsAsTheCatalogueSays)
     }
     expectNoMoreMessages();
     if (!isSanitized) {
-        EXPECT_LT(peakMemory(), memoryLimitOf(fault));
+        // More, and a server could exhaust a process: an answer of 256 MiB with its copies, or the values of
+        // the largest JSON text that is read.
+        EXPECT_LT(peakMemory(), (fault.is("large") ? 2048 : 1000) * mebibyte);
     }
     if (downloads) {
         const auto before = residentMemory();
         std::this_thread::sleep_for(500ms);
-        EXPECT_LT(residentMemory(), before + 8UL * 1024 * 1024) << "the download goes on";
+        EXPECT_LT(residentMemory(), before + 8 * mebibyte) << "the download goes on";
     }
 }
 

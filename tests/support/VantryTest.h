@@ -19,10 +19,7 @@
 namespace LogText
 {
 const std::wstring api = L"VantryIntegrationApi::CVantryApi::";
-const std::wstring utils = L"VantryIntegrationApi::Utils::";
 const std::wstring mask = L"***************";
-const std::wstring failure =
-    L"We've got an error during request. See logged status code and message for more details.";
 } // namespace LogText
 
 /// Each test has a process of its own: library, sandbox and certificates are new.

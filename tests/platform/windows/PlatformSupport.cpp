@@ -12,6 +12,28 @@
 #include <cwchar>
 #include <stdexcept>
 
+namespace
+{
+PROCESS_MEMORY_COUNTERS memoryCounters()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    if (K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) == 0) {
+        throw std::runtime_error("GetProcessMemoryInfo failed with " + std::to_string(GetLastError()));
+    }
+    return counters;
+}
+
+/// Wine leaves the list of revoked certificates open, some hundred times at most, whenever it has checked
+/// one.
+bool isRevocationList(HANDLE handle)
+{
+    std::array<wchar_t, 512> path{};
+    return GetFileType(handle) == FILE_TYPE_DISK &&
+           GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), 0) != 0 &&
+           std::wcsstr(path.data(), L"CryptnetUrlCache") != nullptr;
+}
+} // namespace
+
 void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
 {
     // Windows asks the person at every change of these certificates: the self-check makes one for all its
@@ -23,18 +45,6 @@ void trustAuthority(const std::string& /*pemFile*/, const std::string& der)
 
 // Schannel speaks what a program asks for.
 void allowOldTls() {}
-
-namespace
-{
-PROCESS_MEMORY_COUNTERS memoryCounters()
-{
-    PROCESS_MEMORY_COUNTERS counters{};
-    if (K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) == 0) {
-        throw std::runtime_error("GetProcessMemoryInfo failed with " + std::to_string(GetLastError()));
-    }
-    return counters;
-}
-} // namespace
 
 std::size_t residentMemory()
 {
@@ -58,19 +68,6 @@ std::size_t countThreads()
     CloseHandle(snapshot);
     return threads;
 }
-
-namespace
-{
-/// Wine leaves the list of revoked certificates open, some hundred times at most, whenever it has checked
-/// one.
-bool isRevocationList(HANDLE handle)
-{
-    std::array<wchar_t, 512> path{};
-    return GetFileType(handle) == FILE_TYPE_DISK &&
-           GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), 0) != 0 &&
-           std::wcsstr(path.data(), L"CryptnetUrlCache") != nullptr;
-}
-} // namespace
 
 /// Asks for each possible handle: not every system implements the call that counts them.
 std::size_t countHandles()
