@@ -77,9 +77,8 @@ bool hasFullLength(const ASN1_BIT_STRING& signature)
 }
 
 /// Signs until the signature has its full length: once, nearly always.
-void sign(X509& certificate, X509& issuer, EVP_PKEY& issuerKey)
+void sign(X509& certificate, EVP_PKEY& issuerKey)
 {
-    require(X509_set_issuer_name(&certificate, X509_get_subject_name(&issuer)) == 1);
     const ASN1_BIT_STRING* signature = nullptr;
     do {
         require(X509_sign(&certificate, &issuerKey, EVP_sha256()) > 0);
@@ -97,8 +96,9 @@ void sign(X509_CRL& list, EVP_PKEY& issuerKey)
 }
 
 /// @param issuer null: the certificate itself
-std::shared_ptr<X509> createUnsigned(const std::string& name, Validity validity, EVP_PKEY& key, X509* issuer,
-                                     std::initializer_list<std::pair<int, std::string>> extensions)
+std::shared_ptr<X509> issued(const std::string& name, Validity validity, EVP_PKEY& key, X509* issuer,
+                             EVP_PKEY& issuerKey,
+                             std::initializer_list<std::pair<int, std::string>> extensions)
 {
     auto certificate = owned(X509_new(), X509_free);
     require(X509_set_version(certificate.get(), X509_VERSION_3) == 1 &&
@@ -109,12 +109,14 @@ std::shared_ptr<X509> createUnsigned(const std::string& name, Validity validity,
             X509_NAME_add_entry_by_NID(X509_get_subject_name(certificate.get()), NID_commonName,
                                        MBSTRING_UTF8, reinterpret_cast<const unsigned char*>(name.data()),
                                        static_cast<int>(name.size()), -1, 0) == 1);
+    issuer = issuer != nullptr ? issuer : certificate.get();
+    require(X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuer)) == 1);
     X509V3_CTX context{};
-    X509V3_set_ctx(&context, issuer != nullptr ? issuer : certificate.get(), certificate.get(), nullptr,
-                   nullptr, 0);
+    X509V3_set_ctx(&context, issuer, certificate.get(), nullptr, nullptr, 0);
     for (const auto& [nid, text] : extensions) {
         require(X509_add_ext(certificate.get(), createExtension(context, nid, text).get(), -1) == 1);
     }
+    sign(*certificate, issuerKey);
     return certificate;
 }
 
@@ -123,24 +125,21 @@ std::shared_ptr<X509> createAuthority(EVP_PKEY& key)
     // A name of its own, since systems look for an issuer by its name: one that still trusts an earlier
     // sandbox's CA must not take it for this one.
     const std::string name = "Vantry Sandbox CA " + std::to_string(std::random_device()());
-    auto authority = createUnsigned(name, {}, key, nullptr,
-                                    {{NID_basic_constraints, "critical,CA:TRUE"},
-                                     {NID_key_usage, "critical,keyCertSign,cRLSign"},
-                                     {NID_subject_key_identifier, "hash"},
-                                     {NID_authority_key_identifier, "keyid:always"}});
-    sign(*authority, *authority, key);
-    return authority;
+    return issued(name, {}, key, nullptr, key,
+                  {{NID_basic_constraints, "critical,CA:TRUE"},
+                   {NID_key_usage, "critical,keyCertSign,cRLSign"},
+                   {NID_subject_key_identifier, "hash"},
+                   {NID_authority_key_identifier, "keyid:always"}});
 }
 
 template <typename Object>
-std::string toDer(const Object& object, int (*encode)(const Object*, unsigned char**))
+std::string encoded(const Object& object, int (*write)(BIO*, const Object*))
 {
-    const int length = encode(&object, nullptr);
-    require(length > 0);
-    std::string der(static_cast<std::size_t>(length), '\0');
-    auto* next = reinterpret_cast<unsigned char*>(der.data());
-    encode(&object, &next);
-    return der;
+    const auto memory = owned(BIO_new(BIO_s_mem()), BIO_free_all);
+    require(write(memory.get(), &object) == 1);
+    char* text = nullptr;
+    const long length = BIO_get_mem_data(memory.get(), &text);
+    return {text, text + length};
 }
 
 std::shared_ptr<ssl::context> contextWith(X509& certificate, EVP_PKEY& key)
@@ -159,16 +158,12 @@ CertificateAuthority::CertificateAuthority(std::string crlUrl)
 
 std::string CertificateAuthority::pem() const
 {
-    const auto memory = owned(BIO_new(BIO_s_mem()), BIO_free_all);
-    require(PEM_write_bio_X509(memory.get(), m_certificate.get()) == 1);
-    char* text = nullptr;
-    const long length = BIO_get_mem_data(memory.get(), &text);
-    return {text, text + length};
+    return encoded(*m_certificate, PEM_write_bio_X509);
 }
 
 std::string CertificateAuthority::der() const
 {
-    return toDer(*m_certificate, i2d_X509);
+    return encoded(*m_certificate, i2d_X509_bio);
 }
 
 std::string CertificateAuthority::revocationListDer() const
@@ -184,7 +179,7 @@ std::string CertificateAuthority::revocationListDer() const
     require(X509_CRL_add_ext(list.get(), keyId.get(), -1) == 1 &&
             X509_CRL_add1_ext_i2d(list.get(), NID_crl_number, randomNumber().get(), 0, 0) == 1);
     sign(*list, *m_key);
-    return toDer(*list, i2d_X509_CRL);
+    return encoded(*list, i2d_X509_CRL_bio);
 }
 
 const ServerCertificate& CertificateAuthority::certificate(CertificateKind kind)
@@ -207,15 +202,15 @@ ServerCertificate CertificateAuthority::issue(CertificateKind kind) const
                                                                      : Validity{};
     const std::string host = kind == CertificateKind::OtherHost ? "other.example" : "localhost";
     const auto key = createKey();
-    const auto leaf = createUnsigned(host, validity, *key, isSelfSigned ? nullptr : m_certificate.get(),
-                                     {{NID_basic_constraints, "critical,CA:FALSE"},
-                                      {NID_key_usage, "critical,digitalSignature"},
-                                      {NID_ext_key_usage, "serverAuth"},
-                                      {NID_subject_alt_name, "DNS:" + host},
-                                      {NID_crl_distribution_points, "URI:" + m_crlUrl},
-                                      {NID_subject_key_identifier, "hash"},
-                                      {NID_authority_key_identifier, "keyid:always"}});
-    sign(*leaf, isSelfSigned ? *leaf : *m_certificate, isSelfSigned ? *key : *m_key);
-    return {toDer(*leaf, i2d_X509), contextWith(*leaf, *key)};
+    const auto leaf = issued(host, validity, *key, isSelfSigned ? nullptr : m_certificate.get(),
+                             isSelfSigned ? *key : *m_key,
+                             {{NID_basic_constraints, "critical,CA:FALSE"},
+                              {NID_key_usage, "critical,digitalSignature"},
+                              {NID_ext_key_usage, "serverAuth"},
+                              {NID_subject_alt_name, "DNS:" + host},
+                              {NID_crl_distribution_points, "URI:" + m_crlUrl},
+                              {NID_subject_key_identifier, "hash"},
+                              {NID_authority_key_identifier, "keyid:always"}});
+    return {encoded(*leaf, i2d_X509_bio), contextWith(*leaf, *key)};
 }
 } // namespace sandbox
