@@ -30,6 +30,25 @@ void speakOnly(int tlsVersion, SSL& tls)
     SSL_set_min_proto_version(&tls, tlsVersion);
     SSL_set_max_proto_version(&tls, tlsVersion);
 }
+
+void serve(tcp::socket socket, Service& service, CertificateAuthority* authority)
+{
+    boost::system::error_code alreadyGone;
+    socket.set_option(tcp::no_delay(true), alreadyGone);
+    const auto plan = service.accepted(authority != nullptr).value_or(PlannedConnection());
+    if (plan.misbehaviour) {
+        connectionOver(std::move(socket), service)->misbehave(*plan.misbehaviour);
+    } else if (authority == nullptr) {
+        connectionOver(std::move(socket), service)->start();
+    } else {
+        auto& tls = *authority->certificate(plan.certificate).tls;
+        boost::asio::ssl::stream<tcp::socket> stream(std::move(socket), tls);
+        if (plan.tlsVersion) {
+            speakOnly(*plan.tlsVersion, *stream.native_handle());
+        }
+        connectionOver(std::move(stream), service, authority)->start();
+    }
+}
 } // namespace
 
 Listener::Listener(boost::asio::io_context& context)
@@ -43,42 +62,17 @@ std::string Listener::address(const std::string& scheme) const
 
 void Listener::start(Service& service, CertificateAuthority* authority)
 {
-    m_service = &service;
-    m_authority = authority;
-    accept();
-}
-
-void Listener::accept()
-{
-    m_acceptor.async_accept([this](boost::system::error_code error, tcp::socket socket) {
+    m_acceptor.async_accept([this, &service, authority](boost::system::error_code error, tcp::socket socket) {
         if (!error) {
-            serve(std::move(socket));
-            accept();
+            serve(std::move(socket), service, authority);
+            start(service, authority);
             return;
         }
         // What fails here (no descriptor left, as a rule) fails again at once; waiting gives connections time
         // to end.
         m_timer.expires_after(acceptPause);
-        m_timer.async_wait([this](boost::system::error_code) { accept(); });
+        m_timer.async_wait(
+            [this, &service, authority](boost::system::error_code) { start(service, authority); });
     });
-}
-
-void Listener::serve(tcp::socket socket)
-{
-    boost::system::error_code alreadyGone;
-    socket.set_option(tcp::no_delay(true), alreadyGone);
-    const auto plan = m_service->accepted(m_authority != nullptr).value_or(PlannedConnection());
-    if (plan.misbehaviour) {
-        connectionOver(std::move(socket), *m_service)->misbehave(*plan.misbehaviour);
-    } else if (m_authority == nullptr) {
-        connectionOver(std::move(socket), *m_service)->start();
-    } else {
-        auto& tls = *m_authority->certificate(plan.certificate).tls;
-        boost::asio::ssl::stream<tcp::socket> stream(std::move(socket), tls);
-        if (plan.tlsVersion) {
-            speakOnly(*plan.tlsVersion, *stream.native_handle());
-        }
-        connectionOver(std::move(stream), *m_service, m_authority)->start();
-    }
 }
 } // namespace sandbox

@@ -25,12 +25,7 @@ public:
     void start(Service& service, CertificateAuthority* authority = nullptr);
 
 private:
-    void accept();
-    void serve(boost::asio::ip::tcp::socket socket);
-
     boost::asio::ip::tcp::acceptor m_acceptor;
     boost::asio::steady_timer m_timer;
-    Service* m_service = nullptr;
-    CertificateAuthority* m_authority = nullptr;
 };
 } // namespace sandbox
