@@ -8,7 +8,7 @@
 #include "Addresses.h"
 #include "RestText.h"
 #include "Utf8.h"
-#include "sandbox/Target.h"
+#include "sandbox/Parsing.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 

@@ -6,7 +6,7 @@
 #include "StandInNetwork.h"
 
 #include "Utf8.h"
-#include "sandbox/Multipart.h"
+#include "sandbox/Parsing.h"
 
 #include <cpprest/json.h>
 #include <fuzzer/FuzzedDataProvider.h>

@@ -45,13 +45,14 @@ public:
         }
     }
 
-    void misbehave(Misbehaviour misbehaviour)
+    /// Replies to nothing, or to the first bytes of the client, whatever they are.
+    void misbehave(Reply reply)
     {
-        m_reply = std::move(misbehaviour.reply);
-        if (misbehaviour.awaitsClient) {
-            m_stream.async_read_some(boost::asio::buffer(m_received), then(&Connection::goOn));
+        m_reply = std::move(reply);
+        if (m_reply.steps.empty()) {
+            finish();
         } else {
-            goOn();
+            m_stream.async_read_some(boost::asio::buffer(m_received), then(&Connection::goOn));
         }
     }
 
@@ -64,6 +65,7 @@ private:
     static constexpr std::size_t chunkSize = std::size_t{64} * 1024;
     static constexpr std::size_t headerLimit = std::size_t{64} * 1024;
     static constexpr std::size_t bodyLimit = std::size_t{512} * 1024 * 1024;
+    static constexpr std::chrono::milliseconds holdTime{2};
     static constexpr std::chrono::milliseconds lingerTime{200};
     static constexpr std::chrono::minutes silentTime{2};
 
@@ -146,7 +148,7 @@ private:
         if (error && error != boost::beast::http::error::need_more) {
             refuse(error);
         } else if (m_parser->is_done()) {
-            answer();
+            send(m_service.serve({isSecure, std::move(m_head), m_parser->release()}));
         } else if (!error && !m_unparsed.empty()) {
             parse();
         } else {
@@ -154,19 +156,10 @@ private:
         }
     }
 
-    void answer()
-    {
-        const auto received = std::make_shared<const ReceivedRequest>(
-            ReceivedRequest{isSecure, std::move(m_head), m_parser->release()});
-        m_service.received(received);
-        send(m_service.reply(received->request));
-    }
-
     void refuse(ErrorCode error)
     {
         m_head += m_parser->get().body() + std::exchange(m_unparsed, {});
-        m_service.received(
-            std::make_shared<const ReceivedRequest>(ReceivedRequest{isSecure, std::move(m_head)}));
+        m_service.record({isSecure, std::move(m_head)});
         Request unreadable;
         unreadable.keep_alive(false);
         send(replyTo(unreadable, errorAnswer(400, error.message())));
@@ -188,16 +181,12 @@ private:
             return;
         }
         const Step& step = m_reply.steps[m_step];
-        const bool isHeld = step.gate && !step.gate->isOpen();
+        const bool isHeld = step.released && !*step.released;
         if (isHeld || step.wait.count() > 0 || step.times != 1) {
             read(); // a write alone would not notice soon that the client has gone
         }
         if (isHeld) {
-            step.gate->whenOpen([weak = this->weak_from_this()] {
-                if (const auto self = weak.lock()) {
-                    self->goOn();
-                }
-            });
+            wait(holdTime, &Connection::goOn);
         } else if (step.wait.count() > 0) {
             wait(step.wait, &Connection::write);
         } else {

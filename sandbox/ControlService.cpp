@@ -1,6 +1,7 @@
-#include "Encoding.h"
-#include "Routes.h"
-#include "Target.h"
+#include "Parsing.h"
+#include "Service.h"
+
+#include <boost/locale/encoding_utf.hpp>
 
 #include <utility>
 
@@ -12,23 +13,33 @@ namespace http = boost::beast::http;
 
 const std::string attachments = "/attachments/";
 
-Json toJson(const std::vector<std::shared_ptr<const ReceivedRequest>>& requests)
+/// Bytes in JSON text: each is the code point of its value.
+std::string toText(std::string_view bytes)
+{
+    std::u32string text;
+    for (const unsigned char byte : bytes) {
+        text += byte;
+    }
+    return boost::locale::conv::utf_to_utf<char>(text);
+}
+
+Json toJson(const std::vector<ReceivedRequest>& requests)
 {
     Json list = Json::array();
     for (const auto& received : requests) {
-        list.push_back({{"secure", received->secure},
-                        {"method", view(received->request.method_string())},
-                        {"target", view(received->request.target())},
-                        {"raw", toText(received->head + received->request.body())}});
+        list.push_back({{"secure", received.secure},
+                        {"method", view(received.request.method_string())},
+                        {"target", view(received.request.target())},
+                        {"raw", toText(received.head + received.request.body())}});
     }
     return list;
 }
 
-Answer contentOf(const std::map<std::string, Attachment>& all, const Request& request)
+Answer contentOf(const std::map<std::string, std::string>& all, const Request& request)
 {
     const auto found = all.find(std::string(pathOf(view(request.target())).substr(attachments.size())));
     require(found != all.end(), "there is no such attachment", 404);
-    return textAnswer("application/octet-stream", std::string(found->second.content));
+    return textAnswer("application/octet-stream", found->second);
 }
 
 Route file(const std::string& path, const std::string& contentType, std::string content)
@@ -57,10 +68,12 @@ std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& autho
         order(http::verb::delete_, "/requests", [&state](const Request&) { state.requests.clear(); }),
         order(http::verb::post, "/answers",
               [&state](const Request& request) {
-                  state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body()), state.gate));
+                  state.plannedAnswers.add(readPlannedAnswer(Json::parse(request.body()), state.released));
               }),
         order(http::verb::post, "/release",
-              [&state](const Request&) { std::exchange(state.gate, std::make_shared<Gate>())->open(); }),
+              [&state](const Request&) {
+                  *std::exchange(state.released, std::make_shared<bool>(false)) = true;
+              }),
         order(http::verb::post, "/connections",
               [&state](const Request& request) {
                   state.plannedConnections.add(readPlannedConnection(Json::parse(request.body())));

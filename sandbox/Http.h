@@ -8,20 +8,19 @@
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace sandbox
 {
 using Json = nlohmann::ordered_json;
 using Request = boost::beast::http::request<boost::beast::http::string_body>;
-using Headers = std::vector<std::pair<std::string, std::string>>;
+using Headers = std::map<std::string, std::string>;
 
 struct Answer
 {
@@ -40,32 +39,12 @@ enum class Afterwards
     Stay   ///< open and silent until the client goes
 };
 
-/// Holds back answers until it is opened, once.
-class Gate
-{
-public:
-    bool isOpen() const { return m_isOpen; }
-    void whenOpen(std::function<void()> action) { m_actions.push_back(std::move(action)); }
-
-    void open()
-    {
-        m_isOpen = true;
-        for (const auto& action : std::exchange(m_actions, {})) {
-            action();
-        }
-    }
-
-private:
-    bool m_isOpen = false;
-    std::vector<std::function<void()>> m_actions;
-};
-
 struct Step
 {
     std::string bytes;
     std::chrono::milliseconds wait{0};                          ///< before each time
     std::uint64_t times = 1;                                    ///< 0: without end, until the client goes
-    std::shared_ptr<Gate> gate = {};                            ///< to be open before; null: none
+    std::shared_ptr<const bool> released = {};                  ///< whether it may begin; null: it may
     std::optional<CertificateKind> renegotiated = std::nullopt; ///< by TLS 1.2, after the bytes
 };
 

@@ -1,7 +1,6 @@
 #include "Plans.h"
 
-#include "Encoding.h"
-
+#include <boost/locale/encoding_utf.hpp>
 #include <openssl/tls1.h>
 
 #include <initializer_list>
@@ -55,18 +54,15 @@ public:
 
     /// The value that the member's text names.
     template <typename Value>
-    Value oneOf(const char* name, const std::map<std::string, Value>& values) const
+    std::optional<Value> oneOf(const char* name, const std::map<std::string, Value>& values) const
     {
-        const auto text = m_order.at(name).get<std::string>();
-        const auto found = values.find(text);
-        require(found != values.end(), '"' + std::string(name) + "\" cannot be \"" + text + '"');
+        const auto text = get<std::string>(name);
+        if (!text) {
+            return std::nullopt;
+        }
+        const auto found = values.find(*text);
+        require(found != values.end(), '"' + std::string(name) + "\" cannot be \"" + *text + '"');
         return found->second;
-    }
-
-    template <typename Value>
-    std::optional<Value> optionalOf(const char* name, const std::map<std::string, Value>& values) const
-    {
-        return has(name) ? std::optional(oneOf(name, values)) : std::nullopt;
     }
 
 private:
@@ -85,6 +81,17 @@ const std::map<std::string, CertificateKind> certificateKinds{
 
 const std::map<std::string, int> tlsVersions{{"1.1", TLS1_1_VERSION}, {"1.2", TLS1_2_VERSION}};
 
+/// The bytes whose values are the code points of a text.
+std::string toBytes(const std::string& text)
+{
+    std::string bytes;
+    for (const char32_t character : boost::locale::conv::utf_to_utf<char32_t>(text)) {
+        require(character <= 0xFF, "a character of \"raw\" is no byte");
+        bytes += static_cast<char>(character);
+    }
+    return bytes;
+}
+
 std::vector<Step> readSteps(const Json& steps)
 {
     std::vector<Step> list;
@@ -94,7 +101,7 @@ std::vector<Step> readSteps(const Json& steps)
                         members.wait("waitMs"),
                         members.number("times", 0, anyNumber, 1),
                         {},
-                        members.optionalOf("renegotiate", certificateKinds)});
+                        members.oneOf("renegotiate", certificateKinds)});
     }
     return list;
 }
@@ -112,53 +119,40 @@ std::optional<Reply> readScript(const Members& members, const Json& order)
     }
     require(!members.has("status") && !members.has("headers") && !members.has("body"),
             "there are members of more than one kind of answer");
-    return Reply{readSteps(order.at("steps")),
-                 members.has("then") ? members.oneOf("then", ends) : Afterwards::Close};
+    return Reply{readSteps(order.at("steps")), members.oneOf("then", ends).value_or(Afterwards::Close)};
 }
 
-Misbehaviour answerWith(std::string bytes)
-{
-    return {true, {{{std::move(bytes)}}, Afterwards::Close}};
-}
+const std::string noise("\x9e\x37\x00\xfb\x81\x0c\xd4\x62\xa5\x1f\xee\x00\x73\xc8\x04\x9b"
+                        "\x5a\xe1\x2d\xf6\x88\x13\xbf\x40\xd7\x6c\x91\x3e\xcb\x05\x72\xaa",
+                        32);
+const std::string handshakeFailure("\x15\x03\x03\x00\x02\x02\x28", 7);
+/// A record of 122 bytes with a ServerHello of 118, version 1.2, of which only the random number follows.
+const std::string helloStart("\x16\x03\x03\x00\x7a\x02\x00\x00\x76\x03\x03", 11);
 
-const std::map<std::string, Misbehaviour>& misbehaviours()
-{
-    static const std::string noise("\x9e\x37\x00\xfb\x81\x0c\xd4\x62\xa5\x1f\xee\x00\x73\xc8\x04\x9b"
-                                   "\x5a\xe1\x2d\xf6\x88\x13\xbf\x40\xd7\x6c\x91\x3e\xcb\x05\x72\xaa",
-                                   32);
-    static const std::string handshakeFailure("\x15\x03\x03\x00\x02\x02\x28", 7);
-    // A record of 122 bytes with a ServerHello of 118, version 1.2, of which only the random number follows.
-    static const std::string helloStart("\x16\x03\x03\x00\x7a\x02\x00\x00\x76\x03\x03", 11);
-    static const std::map<std::string, Misbehaviour> all{
-        {"close", {false, {{}, Afterwards::Close}}},
-        {"reset", {false, {{}, Afterwards::Reset}}},
-        {"silent", {false, {{}, Afterwards::Stay}}},
-        {"plain", answerWith("HTTP/1.1 400 Bad Request\r\nContent-Length: 0\r\nConnection: close\r\n\r\n")},
-        {"alert", answerWith(handshakeFailure)},
-        {"garbage", answerWith(noise)},
-        {"closeInHandshake", answerWith(helloStart + noise)},
-    };
-    return all;
-}
-
+const std::map<std::string, Reply> misbehaviours{
+    {"close", {{}, Afterwards::Close}},
+    {"reset", {{}, Afterwards::Reset}},
+    {"silent", {{}, Afterwards::Stay}},
+    {"plain",
+     {{{"HTTP/1.1 400 Bad Request\r\nContent-Length: 0\r\nConnection: close\r\n\r\n"}}, Afterwards::Close}},
+    {"alert", {{{handshakeFailure}}, Afterwards::Close}},
+    {"garbage", {{{noise}}, Afterwards::Close}},
+    {"closeInHandshake", {{{helloStart + noise}}, Afterwards::Close}},
+};
 } // namespace
 
-PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate)
+PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<const bool>& released)
 {
     const Members members(order,
                           {"skip", "path", "delayMs", "held", "status", "headers", "body", "steps", "then"});
     PlannedAnswer planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.path = members.get<std::string>("path");
-    planned.delay = members.wait("delayMs");
-    planned.gate = members.get<bool>("held").value_or(false) ? gate : nullptr;
+    planned.before.wait = members.wait("delayMs");
+    planned.before.released = members.get<bool>("held").value_or(false) ? released : nullptr;
     planned.script = readScript(members, order);
     planned.answer.status = static_cast<unsigned>(members.number("status", 100, 999, 200));
-    if (members.has("headers")) {
-        for (const auto& [name, value] : order["headers"].get_ref<const Json::object_t&>()) {
-            planned.answer.headers.emplace_back(name, value.get<std::string>());
-        }
-    }
+    planned.answer.headers = members.get<Headers>("headers").value_or(Headers());
     planned.answer.body = members.get<std::string>("body").value_or("");
     return planned;
 }
@@ -171,15 +165,13 @@ PlannedConnection readPlannedConnection(const Json& order)
     PlannedConnection planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.secure = members.get<bool>("secure");
-    if (members.has("fault")) {
-        planned.misbehaviour = members.oneOf("fault", misbehaviours());
-    } else {
+    planned.misbehaviour = members.oneOf("fault", misbehaviours);
+    planned.certificate = members.oneOf("certificate", certificateKinds).value_or(CertificateKind::Good);
+    planned.tlsVersion = members.oneOf("tls", tlsVersions);
+    if (isTls) {
         require(planned.secure.value_or(true),
                 "a connection without TLS has neither certificate nor version");
         planned.secure = true;
-        planned.certificate =
-            members.optionalOf("certificate", certificateKinds).value_or(CertificateKind::Good);
-        planned.tlsVersion = members.optionalOf("tls", tlsVersions);
     }
     return planned;
 }

@@ -6,7 +6,6 @@
 #include "Http.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -21,17 +20,9 @@ struct PlannedAnswer
 {
     std::uint64_t skip = 0;          ///< so many that fit are let through first
     std::optional<std::string> path; ///< of the requests that it fits
-    std::chrono::milliseconds delay{0};
-    std::shared_ptr<Gate> gate;  ///< to be open before the answer; null: none
-    std::optional<Reply> script; ///< replaces the answer
+    Step before;                     ///< what is waited for before the answer
+    std::optional<Reply> script;     ///< replaces the answer
     Answer answer;
-};
-
-/// What happens instead of the TLS handshake and the requests of a connection.
-struct Misbehaviour
-{
-    bool awaitsClient; ///< begins when the client has sent its first bytes
-    Reply reply;
 };
 
 /// The fate of one connection to come: a misbehaviour, or a certificate and a version of TLS.
@@ -39,14 +30,14 @@ struct PlannedConnection
 {
     std::uint64_t skip = 0;
     std::optional<bool> secure;
-    std::optional<Misbehaviour> misbehaviour;
+    std::optional<Reply> misbehaviour; ///< instead of the TLS handshake and the requests
     CertificateKind certificate = CertificateKind::Good;
     std::optional<int> tlsVersion; ///< the only one that is spoken, as OpenSSL numbers it
 };
 
-/// @param gate holds the answer if the order says that it is held
+/// @param released releases the answer if the order says that it is held
 /// @throws HttpError 400 or Json::exception for an order that is malformed
-PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<Gate>& gate);
+PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<const bool>& released);
 PlannedConnection readPlannedConnection(const Json& order);
 
 /// Each plan is used once, the oldest first.
@@ -68,7 +59,7 @@ public:
             --found->skip;
             return std::nullopt;
         }
-        Plan plan = std::move(*found);
+        std::optional<Plan> plan(*found);
         m_plans.erase(found);
         return plan;
     }

@@ -1,6 +1,5 @@
-#include "Multipart.h"
-#include "Routes.h"
-#include "Target.h"
+#include "Parsing.h"
+#include "Service.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/http/field.hpp>
@@ -130,7 +129,7 @@ public:
         const std::string cookie = "JSESSIONID=" + uniqueText();
         m_state.helpDesk["sessions"].push_back({{"key", key}, {"cookie", cookie}, {"user", m_user}});
         Answer answer = jsonAnswer(200, {{"type", "Session"}, {"sessionKey", key}});
-        answer.headers.emplace_back("Set-Cookie", cookie + "; Path=/; HttpOnly");
+        answer.headers["Set-Cookie"] = cookie + "; Path=/; HttpOnly";
         return answer;
     }
 
@@ -190,7 +189,7 @@ public:
         const auto id =
             add(m_state.helpDesk["attachments"], 3001,
                 {{"techNoteId", note["id"]}, {"fileName", file.fileName}, {"size", file.content.size()}});
-        m_state.attachments[std::to_string(id)] = {m_state.requests.back(), file.content}; // this request
+        m_state.attachments[std::to_string(id)] = file.content;
         return created(id, "Attachment");
     }
 

@@ -1,6 +1,6 @@
 #include "Service.h"
 
-#include "Target.h"
+#include "Parsing.h"
 
 #include <utility>
 
@@ -43,9 +43,7 @@ Answer answerByRoute(const std::vector<Route>& routes, const Request& request)
 Reply plannedReply(const PlannedAnswer& planned, const Request& request)
 {
     Reply reply = planned.script ? *planned.script : replyTo(request, planned.answer);
-    if (planned.delay.count() > 0 || planned.gate) {
-        reply.steps.insert(reply.steps.begin(), Step{{}, planned.delay, 1, planned.gate});
-    }
+    reply.steps.insert(reply.steps.begin(), planned.before);
     return reply;
 }
 } // namespace
@@ -62,22 +60,26 @@ std::optional<PlannedConnection> Service::accepted(bool secure)
         [secure](const PlannedConnection& planned) { return planned.secure.value_or(secure) == secure; });
 }
 
-void Service::received(const std::shared_ptr<const ReceivedRequest>& request)
+Reply Service::serve(ReceivedRequest received)
 {
+    const Request& request = received.request;
+    std::optional<PlannedAnswer> planned;
     if (m_state != nullptr) {
-        m_state->requests.push_back(request);
+        planned = m_state->plannedAnswers.take(
+            [path = pathOf(view(request.target()))](const PlannedAnswer& answer) {
+                return !answer.path || *answer.path == path;
+            });
     }
+    Reply reply =
+        planned ? plannedReply(*planned, request) : replyTo(request, answerByRoute(m_routes, request));
+    record(std::move(received));
+    return reply;
 }
 
-Reply Service::reply(const Request& request)
+void Service::record(ReceivedRequest received)
 {
     if (m_state != nullptr) {
-        const auto path = pathOf(view(request.target()));
-        if (const auto planned = m_state->plannedAnswers.take(
-                [path](const PlannedAnswer& answer) { return !answer.path || *answer.path == path; })) {
-            return plannedReply(*planned, request);
-        }
+        m_state->requests.push_back(std::move(received));
     }
-    return replyTo(request, answerByRoute(m_routes, request));
 }
 } // namespace sandbox

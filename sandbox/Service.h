@@ -1,10 +1,15 @@
+/// @file
+/// What the ports serve, and what they share. They are served by one thread, so it needs no lock.
 #pragma once
 
-#include "State.h"
+#include "Certificates.h"
+#include "Http.h"
+#include "Plans.h"
 
 #include <boost/beast/http/verb.hpp>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +17,29 @@
 
 namespace sandbox
 {
+struct ReceivedRequest
+{
+    bool secure;
+    std::string head;     ///< its bytes; all bytes of what is no HTTP request
+    Request request = {}; ///< empty for what is no HTTP request
+};
+
+/// What the REST ports do and the control interface steers and shows.
+struct SharedState
+{
+    /// The records as they are shown, identifiers in the order of time.
+    Json helpDesk = {{"sessions", Json::array()},
+                     {"tickets", Json::array()},
+                     {"techNotes", Json::array()},
+                     {"attachments", Json::array()}};
+    std::map<std::string, std::string> attachments; ///< the files' bytes, by their identifiers
+    std::vector<ReceivedRequest> requests;
+    Plans<PlannedAnswer> plannedAnswers;
+    /// Whether the answers may go that are planned as held from now on.
+    std::shared_ptr<bool> released = std::make_shared<bool>(false);
+    Plans<PlannedConnection> plannedConnections;
+};
+
 struct Route
 {
     boost::beast::http::verb method;
@@ -29,13 +57,23 @@ public:
 
     /// The fate that is planned for the connection that has just come, if any.
     std::optional<PlannedConnection> accepted(bool secure);
-    /// To be called before `reply`, and alone for bytes that are no HTTP request.
-    void received(const std::shared_ptr<const ReceivedRequest>& request);
     /// 404 for a path without a route, 405 for a method that its routes do not have.
-    Reply reply(const Request& request);
+    Reply serve(ReceivedRequest received);
+    /// What `serve` does too; alone for bytes that are no HTTP request.
+    void record(ReceivedRequest received);
 
 private:
     std::vector<Route> m_routes;
     SharedState* m_state;
 };
+
+/// Path of the REST resources.
+constexpr const char* restBase = "/helpdesk/rest";
+
+/// The help desk of one user.
+std::vector<Route> restRoutes(SharedState& state, const std::string& user, const std::string& password);
+
+/// The control interface: lets a test look at what arrived, order answers and faults, and start afresh;
+/// serves the certificates.
+std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& authority);
 } // namespace sandbox
