@@ -3,8 +3,7 @@
 // call works.
 //
 // Input: a character that chooses operation and level, then the answer.
-#include "Host.h"
-#include "StandInNetwork.h"
+#include "Surroundings.h"
 
 #include "RestText.h"
 

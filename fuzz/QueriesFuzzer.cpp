@@ -2,8 +2,7 @@
 // password, however it is written.
 //
 // Input: for each text whether it may be malformed, and its characters.
-#include "Host.h"
-#include "StandInNetwork.h"
+#include "Surroundings.h"
 
 #include "Addresses.h"
 #include "RestText.h"
@@ -56,8 +55,8 @@ void tryMinimalEncoding(const std::wstring& text)
     }
 }
 
-/// The target of the one request that this operation sends; empty if it sends none.
-std::string targetSentBy(CVantryApi& client, void (*operation)(CVantryApi&))
+/// The target of the one request that creates a session; empty if none is sent.
+std::string targetOfSession(CVantryApi& client)
 {
     std::string target;
     fuzz::setServer([&target](const web::http::http_request& request) {
@@ -65,7 +64,7 @@ std::string targetSentBy(CVantryApi& client, void (*operation)(CVantryApi&))
         return fuzz::responseOf(
             fuzz::withEcho("HTTP/1.1 200 \1\r\nContent-Type: text/plain\r\n\r\n\"\1\"", target));
     });
-    operation(client);
+    client.wrpCreateSession();
     return target;
 }
 
@@ -89,7 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::logAt(log4cxx::Level::getTrace());
     CVantryApi client;
     fuzz::setUp(client, L"http://127.0.0.1/rest", userName, password);
-    const auto target = targetSentBy(client, [](CVantryApi& used) { used.wrpCreateSession(); });
+    const auto target = targetOfSession(client);
     fuzz::require(target.empty() == !(isWellFormed(userName) && isWellFormed(password)),
                   "malformed text is sent, or text is not");
     if (!target.empty()) {

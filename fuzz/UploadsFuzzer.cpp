@@ -2,8 +2,7 @@
 // text makes a header of its own.
 //
 // Input: file name, user name, session key, content.
-#include "Host.h"
-#include "StandInNetwork.h"
+#include "Surroundings.h"
 
 #include "Utf8.h"
 #include "sandbox/Parsing.h"
