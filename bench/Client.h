@@ -4,7 +4,7 @@
 #pragma once
 
 #include <TAVIKVANTRYAPI.h>
-#include <cpprest/json.h>
+#include <cpprest/base_uri.h>
 
 #include <functional>
 #include <map>
@@ -17,12 +17,7 @@ namespace Bench
 class Client
 {
 public:
-    Client() = default;
     virtual ~Client() = default;
-    Client(const Client&) = delete;
-    Client(Client&&) = delete;
-    Client& operator=(const Client&) = delete;
-    Client& operator=(Client&&) = delete;
 
     /// `server`: scheme, host and port. Over https every operation probes the server's certificate first.
     virtual void use(const std::string& server) = 0;
@@ -34,7 +29,7 @@ public:
 
     // What a host has ready before; not part of what is measured.
     virtual void prepareNote(const TechNote& /*note*/) {}
-    virtual void prepareUpload(const Attachment& file) = 0;
+    virtual void prepareUpload(const Attachment& /*file*/) {}
 };
 
 struct Request
@@ -51,37 +46,29 @@ struct Response
     std::string body;
 };
 
-struct Server
+inline bool isSecure(const web::uri& server)
 {
-    bool secure = false;
-    std::string host;
-    std::string port;
-};
+    return server.scheme() == _XPLATSTR("https");
+}
 
 /// One exchange over a connection of its own; `validate`: only with a server whose certificate is valid.
-using Exchange = std::function<Response(const Server& server, const Request& request, bool validate)>;
+using Exchange = std::function<Response(const web::uri& server, const Request& request, bool validate)>;
 
 std::unique_ptr<Client> libraryClient();
 std::unique_ptr<Client> cInterfaceClient();
+/// The REST SDK as a host would use it.
 std::unique_ptr<Client> sdkClient();
 /// Over an HTTP library that knows no JSON: the REST SDK's reads it.
 std::unique_ptr<Client> plainClient(Exchange exchange);
 
-struct Peer
+struct NamedClient
 {
     std::string name;
-    Exchange exchange;
+    std::shared_ptr<Client> client;
 };
-/// The other HTTP libraries of the target.
-std::vector<Peer> peers();
 
-// The server's interface, for the clients that speak it themselves.
-Request noteRequest();
-Request listRequest(std::size_t count);
-Request uploadRequest(const Attachment& file);
-web::json::value noteBody(const TechNote& note);
-std::wstring idOf(const web::json::value& answer);
-std::vector<TicketListEntry> ticketsOf(const web::json::value& answer);
+/// Over the other HTTP libraries of the target.
+std::vector<NamedClient> peers();
 
 /// @throws std::runtime_error if the two differ
 void expect(std::size_t expected, std::size_t actual, const std::string& what);

@@ -19,9 +19,6 @@ void add(Bench::Samples& samples, const Bench::Contender& contender)
     contender.finish();
     samples.seconds.push_back(taken.count());
     samples.cpuSeconds += after.cpuSeconds - before.cpuSeconds;
-    if (before.switches && after.switches) {
-        samples.switches = samples.switches.value_or(0) + *after.switches - *before.switches;
-    }
 }
 } // namespace
 
@@ -33,7 +30,7 @@ std::vector<Samples> measure(const std::vector<Contender>& contenders, int round
     for (const auto& contender : contenders) {
         Samples warmUp;
         add(warmUp, contender);
-        all.push_back({contender.name, {}, 0, {}});
+        all.push_back({contender.name, {}, 0});
     }
     std::vector<std::size_t> order(contenders.size());
     std::iota(order.begin(), order.end(), std::size_t{0});

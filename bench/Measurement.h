@@ -3,7 +3,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,8 +11,7 @@ namespace Bench
 /// What the system counts of this process.
 struct Usage
 {
-    double cpuSeconds = 0;        ///< user and system time of all threads
-    std::optional<long> switches; ///< context switches; not counted on Windows
+    double cpuSeconds = 0; ///< user and system time of all threads
     std::size_t residentBytes = 0;
     std::size_t peakResidentBytes = 0;
 };
@@ -33,7 +31,6 @@ struct Samples
     std::string name;
     std::vector<double> seconds;
     double cpuSeconds = 0;
-    std::optional<long> switches;
 };
 
 /// Calls the contenders in turn, `rounds` times after one to warm up, so that noise hits all alike. Each

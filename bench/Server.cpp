@@ -30,10 +30,8 @@ using Tls = asio::ssl::stream<tcp::socket>;
 
 namespace
 {
-/// What clients of the https port fetch to trust it.
-std::string revocationList;
-std::string authorityDer;
-std::string authorityPem;
+/// The answers to some targets: what clients of the https port fetch to trust it.
+std::map<std::string, std::string> files;
 
 std::string answer(const std::string& status, const std::string& type, const std::string& body)
 {
@@ -74,20 +72,11 @@ const std::string& answerTo(http::verb method, const std::string& target)
 {
     static const auto created = answer("201 Created", "application/json", R"({"id":2001,"type":"TechNote"})");
     static const auto home = answer("200 OK", "text/plain", "");
-    static const auto revoked = answer("200 OK", "application/pkix-crl", revocationList);
-    static const auto ca = answer("200 OK", "application/pkix-cert", authorityDer);
-    static const auto caText = answer("200 OK", "application/x-pem-file", authorityPem);
     if (method == http::verb::post) {
         return created;
     }
-    if (target == "/ca.crl") {
-        return revoked;
-    }
-    if (target == "/ca.der") {
-        return ca;
-    }
-    if (target == "/ca.pem") {
-        return caText;
+    if (const auto file = files.find(target); file != files.end()) {
+        return file->second;
     }
     return target.find("/Tickets") == std::string::npos ? home : ticketsOf(target);
 }
@@ -168,9 +157,9 @@ int run(const std::vector<std::string>& command)
     const auto port = listen(context, nullptr);
     const auto plain = "http://127.0.0.1:" + std::to_string(port);
     sandbox::CertificateAuthority authority(plain + "/ca.crl");
-    revocationList = authority.revocationListDer();
-    authorityDer = authority.der();
-    authorityPem = authority.pem();
+    files = {{"/ca.crl", answer("200 OK", "application/pkix-crl", authority.revocationListDer())},
+             {"/ca.der", answer("200 OK", "application/pkix-cert", authority.der())},
+             {"/ca.pem", answer("200 OK", "application/x-pem-file", authority.pem())}};
     const auto tls = authority.certificate(sandbox::CertificateKind::Good).tls;
     const auto secure = "https://localhost:" + std::to_string(listen(context, tls.get()));
 

@@ -1,4 +1,4 @@
-// The library through its C interface.
+// The library through its C++ functions, and through its C interface.
 #include "Client.h"
 
 #include "vantry.h"
@@ -9,6 +9,47 @@
 
 namespace
 {
+std::string utf8(const std::wstring& text)
+{
+    return boost::locale::conv::utf_to_utf<char>(text);
+}
+
+class LibraryClient : public Bench::Client
+{
+public:
+    void use(const std::string& server) override
+    {
+        SetEndPoint(std::wstring(server.begin(), server.end()) + L"/helpdesk/rest");
+        SetCredentials(L"technician", L"secret");
+    }
+
+    void saveNote(const TechNote& note) override
+    {
+        SaveTechNote(note);
+        expectStatus(201);
+    }
+
+    void listTickets(std::size_t count) override
+    {
+        RequestTicketList(std::to_wstring(count), VantryType::Client);
+        expectStatus(200);
+        Bench::expect(count, GetTicketList().size(), "tickets");
+    }
+
+    void upload(const Attachment& file) override
+    {
+        SaveAttachment(file);
+        expectStatus(201);
+    }
+
+private:
+    static void expectStatus(int expected)
+    {
+        const auto& last = GetLastResponse();
+        Bench::expect(expected, last.httpStatusCode, "the library: " + utf8(last.errorMessage));
+    }
+};
+
 struct Free
 {
     void operator()(vantry_result* result) const { vantry_result_free(result); }
@@ -23,11 +64,6 @@ Result succeeded(vantry_result* result)
                                  vantry_result_message(result));
     }
     return owned;
-}
-
-std::string utf8(const std::wstring& text)
-{
-    return boost::locale::conv::utf_to_utf<char>(text);
 }
 
 class CInterfaceClient : public Bench::Client
@@ -80,6 +116,11 @@ private:
     Result m_tickets;
 };
 } // namespace
+
+std::unique_ptr<Bench::Client> Bench::libraryClient()
+{
+    return std::make_unique<LibraryClient>();
+}
 
 std::unique_ptr<Bench::Client> Bench::cInterfaceClient()
 {

@@ -1,8 +1,10 @@
-// Bare WinHTTP, on the calling thread.
+// Bare WinHTTP, on the calling thread, and what Windows counts.
 #include "Client.h"
+#include "Measurement.h"
 
 #include <windows.h>
 
+#include <psapi.h>
 #include <winhttp.h>
 
 #include <system_error>
@@ -54,22 +56,23 @@ std::string bodyOf(const Handle& request)
     return body;
 }
 
-Bench::Response overWinHttp(const Bench::Server& server, const Bench::Request& request, bool validate)
+Bench::Response overWinHttp(const web::uri& server, const Bench::Request& request, bool validate)
 {
     const auto session = opened(WinHttpOpen(nullptr, WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, WINHTTP_NO_PROXY_NAME,
                                             WINHTTP_NO_PROXY_BYPASS, 0),
                                 "WinHttpOpen");
-    const auto connection = opened(WinHttpConnect(session.get(), wide(server.host).c_str(),
-                                                  static_cast<INTERNET_PORT>(std::stoi(server.port)), 0),
-                                   "WinHttpConnect");
+    const auto connection = opened(
+        WinHttpConnect(session.get(), server.host().c_str(), static_cast<INTERNET_PORT>(server.port()), 0),
+        "WinHttpConnect");
+    const bool isSecure = Bench::isSecure(server);
     const auto handle = opened(
         WinHttpOpenRequest(connection.get(), wide(request.method).c_str(), wide(request.target).c_str(),
                            nullptr, WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES,
-                           WINHTTP_FLAG_ESCAPE_DISABLE | (server.secure ? WINHTTP_FLAG_SECURE : 0)),
+                           WINHTTP_FLAG_ESCAPE_DISABLE | (isSecure ? WINHTTP_FLAG_SECURE : 0)),
         "WinHttpOpenRequest");
-    if (server.secure && validate) {
+    if (isSecure && validate) {
         setOption(handle, WINHTTP_OPTION_ENABLE_FEATURE, WINHTTP_ENABLE_SSL_REVOCATION);
-    } else if (server.secure) {
+    } else if (isSecure) {
         setOption(handle, WINHTTP_OPTION_SECURITY_FLAGS,
                   SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
                       SECURITY_FLAG_IGNORE_CERT_CN_INVALID | SECURITY_FLAG_IGNORE_CERT_WRONG_USAGE);
@@ -92,9 +95,27 @@ Bench::Response overWinHttp(const Bench::Server& server, const Bench::Request& r
             "WinHttpQueryHeaders");
     return {status, bodyOf(handle)};
 }
+
+double seconds(const FILETIME& time)
+{
+    return static_cast<double>((static_cast<ULONGLONG>(time.dwHighDateTime) << 32) + time.dwLowDateTime) /
+           1e7;
+}
 } // namespace
 
-std::vector<Bench::Peer> Bench::peers()
+Bench::Usage Bench::usage()
 {
-    return {{"WinHTTP", &overWinHttp}};
+    FILETIME creation{};
+    FILETIME exit{};
+    FILETIME kernel{};
+    FILETIME user{};
+    GetProcessTimes(GetCurrentProcess(), &creation, &exit, &kernel, &user);
+    PROCESS_MEMORY_COUNTERS memory{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+    return {seconds(kernel) + seconds(user), memory.WorkingSetSize, memory.PeakWorkingSetSize};
+}
+
+std::vector<Bench::NamedClient> Bench::peers()
+{
+    return {{"WinHTTP", plainClient(&overWinHttp)}};
 }
