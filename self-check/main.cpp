@@ -231,7 +231,7 @@ bool checkSystem(Report& report)
         throw std::runtime_error("runs under vantry-sandbox: start self-check.cmd");
     }
     SetEnvironmentVariableW(L"VANTRY_SELF_CHECK", L"1"); // the tests leave the trusted authorities alone
-    report.line("Self-check of TAVIKVANTRYAPI " VANTRY_VERSION);
+    report.line("Self-check of TAVIKVANTRYAPI " SELF_CHECK_VERSION);
     report.line(describeSystem());
     report.line("");
     std::cout << "The tests need the certificate of their own server to be trusted until they have ended.\n"
