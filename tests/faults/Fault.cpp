@@ -169,9 +169,9 @@ Fault::Fault(const json& row)
       tickets(optional(row, "tickets", [](const auto& count) { return count.template get<std::size_t>(); })),
       flags(row.value("flags", std::vector<std::string>()))
 {
-    if (auto [operation, call] = ownCallOf(row); call) {
-        only = {operation};
-        ownCall = std::move(call);
+    if (const auto own = ownCallOf(row); own.second) {
+        only = {own.first};
+        ownCall = own.second;
     }
     const auto others = row.value("but", json::object());
     for (const auto& [operation, other] : others.items()) {
