@@ -25,7 +25,9 @@ class RunningWork
 public:
     RunningWork() noexcept { ++s_count; }
     RunningWork(const RunningWork& /*other*/) noexcept : RunningWork() {}
-    RunningWork& operator=(const RunningWork&) noexcept = default;
+    RunningWork(RunningWork&& /*other*/) noexcept : RunningWork() {}
+    RunningWork& operator=(const RunningWork&) = delete;
+    RunningWork& operator=(RunningWork&&) = delete;
     ~RunningWork() { --s_count; }
 
     static bool exists() noexcept { return s_count != 0; }
@@ -50,7 +52,9 @@ public:
         }
     }
     ModuleObject(const ModuleObject&) = delete;
+    ModuleObject(ModuleObject&&) = delete;
     ModuleObject& operator=(const ModuleObject&) = delete;
+    ModuleObject& operator=(ModuleObject&&) = delete;
 
     union {
         Object object;
