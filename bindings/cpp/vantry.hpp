@@ -20,8 +20,10 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -192,8 +194,11 @@ private:
     /// What a callback has thrown during the call that this thread is in.
     static std::exception_ptr& thrown()
     {
-        thread_local std::exception_ptr exception;
-        return exception;
+        // Nothing here is destroyed with the thread, which mingw-w64 does when the memory has gone. No call
+        // leaves anything that would have to be.
+        thread_local std::aligned_storage_t<sizeof(std::exception_ptr), alignof(std::exception_ptr)> memory;
+        thread_local auto* const exception = new (&memory) std::exception_ptr;
+        return *exception;
     }
 
     static void throwOn()
