@@ -118,6 +118,9 @@ int main(int argc, char** argv)
         auto second = client.inBackground(
             [](vantry::Client& c) { return c.createTicket("42", EntityType::Client, "S", "D"); });
         second.get();
+        for (int thread = 0; thread < 200; ++thread) { // what the binding keeps for each must survive its end
+            client.inBackground([](vantry::Client& c) { c.onProgress(nullptr); }).get();
+        }
         const auto list =
             client
                 .inBackground([](vantry::Client& c) { return c.requestTicketList("42", EntityType::Client); })
