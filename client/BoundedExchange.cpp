@@ -1,5 +1,6 @@
 #include "BoundedExchange.h"
 
+#include "Module.h"
 #include "OwnOutcome.h"
 #include "RequestConnection.h"
 
@@ -48,8 +49,8 @@ public:
 
 [[noreturn]] void refuse(Limit limit)
 {
-    static const LimitCategory category;
-    throw web::http::http_exception(limit, category);
+    static const Platform::ModuleObject<LimitCategory> category;
+    throw web::http::http_exception(limit, category.object);
 }
 
 /// What is read at once, so that some of the body may come with the head's end.
