@@ -270,11 +270,8 @@ BoundedExchange::BoundedExchange(web::uri base, web::http::client::http_client_c
                 state->finish();
                 return;
             }
-            const auto finish = [state](const pplx::task<utility::size64_t>& body) {
-                try {
-                    body.wait(); // it is done
-                } catch (...) { // whoever reads it finds out; a failure that nobody asks for ends the process
-                }
+            // If it has failed, whoever reads it finds out.
+            const auto finish = [state](const pplx::task<utility::size64_t>& /*body*/) {
                 state->finishWithBody();
             };
             bodyOf(response).then(finish, onTheSameThread());
