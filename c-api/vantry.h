@@ -217,8 +217,7 @@ VANTRY_FUNCTION(const char*) vantry_status_message(int32_t status);
 /**
  * Sets the REST endpoint of the following operations: scheme (`http` or `https`, in small letters), host,
  * optional port and base path, without a slash at the end. Whether it is one is found out by the next
- * operation
- * (`VANTRY_REQUEST_FAILED`).
+ * operation (`VANTRY_REQUEST_FAILED`).
  */
 VANTRY_FUNCTION(int32_t) vantry_set_endpoint(const char* endpoint);
 

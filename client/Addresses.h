@@ -31,8 +31,7 @@ bool isSecureScheme(const std::wstring& url);
 utility::string_t minimallyEncoded(const std::wstring& text);
 
 /// `text` as a credential stands in a query: percent-encoded wherever it is neither letter nor digit nor one
-/// of
-/// "-._~". None for malformed text, which no query shows.
+/// of "-._~". None for malformed text, which no query shows.
 std::optional<std::wstring> shownInQuery(const std::wstring& text);
 
 /// Query elements "username=" and "password=", encoded, in this order.

@@ -55,12 +55,11 @@ void CVantryApi::saveTechNote(const TechNote& techNote)
     }
     const auto answer = sendRequest_ProvideServerResponse(*requestUri, fromRestText(methods::POST), body);
     m_lastResponse = answer.status;
+    m_lastSavedTechNoteId.clear();
     if (m_lastResponse.httpStatusCode != status_codes::Created) {
-        m_lastSavedTechNoteId.clear();
         LUMO_ERROR(log, g_requestErrorText << L" Setting to LastSavedTechNoteId empty string");
         return;
     }
-    m_lastSavedTechNoteId.clear();
     readAnswer(log, [&] {
         m_lastSavedTechNoteId = Utils::jsonText(Utils::member(answer.body, U("id")));
         LUMO_INFO(log, L"LastSavedTechNoteID is: " << m_lastSavedTechNoteId);

@@ -11,8 +11,8 @@ std::wstring meaningWithoutAnswer(const ResponseStatus& response, bool hasSessio
     }
     std::wstring text =
         L"No usable answer came: the server may be off or out of reach, the endpoint wrong, or its "
-        L"certificate "
-        L"one that Windows does not trust. Check the endpoint and the network; the log (Ctrl+L) tells more.";
+        L"certificate one that Windows does not trust. Check the endpoint and the network; the log (Ctrl+L) "
+        L"tells more.";
     if (hasSession) {
         text += L" The server may have done it all the same: look (F5) before you do it again.";
     }

@@ -13,14 +13,12 @@ const char* textOfTlsReason(int reason)
     switch (reason) {
     case SSL_R_CERTIFICATE_VERIFY_FAILED:
         return "The server's certificate is not trusted. Its authority is unknown to this system, it has "
-               "expired "
-               "or is not valid yet, or it was issued for another server.";
+               "expired or is not valid yet, or it was issued for another server.";
     case SSL_R_HTTP_REQUEST:
     case SSL_R_PACKET_LENGTH_TOO_LONG:
     case SSL_R_WRONG_VERSION_NUMBER:
         return "The server does not answer with TLS. Check the port, or whether the address should begin "
-               "with "
-               "http.";
+               "with http.";
     case SSL_R_TLSV1_ALERT_PROTOCOL_VERSION:
     case SSL_R_UNSUPPORTED_PROTOCOL:
         return "This system and the server support no common version of TLS.";

@@ -56,8 +56,7 @@ const wchar_t* textOfWinHttp(int code)
     case ERROR_WINHTTP_SECURE_CHANNEL_ERROR:
     case ERROR_WINHTTP_SECURE_FAILURE:
         return L"No secure connection to the server: its certificate is not trusted, or it does not answer "
-               L"with a "
-               L"version of TLS that this system supports.";
+               L"with a version of TLS that this system supports.";
     case ERROR_WINHTTP_BAD_AUTO_PROXY_SCRIPT:
     case ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT:
     case ERROR_WINHTTP_SCRIPT_EXECUTION_ERROR:
