@@ -36,13 +36,11 @@ public:
           m_authority(authority), m_received(chunkSize)
     {}
 
-    void start()
+    /// @param released whether it may be read from; null: it may
+    void start(std::shared_ptr<const bool> released)
     {
-        if constexpr (isSecure) {
-            m_stream.async_handshake(boost::asio::ssl::stream_base::server, then(&Connection::startRequest));
-        } else {
-            startRequest();
-        }
+        m_released = std::move(released);
+        begin();
     }
 
     /// Replies to nothing, or to the first bytes of the client, whatever they are.
@@ -69,6 +67,8 @@ private:
     static constexpr std::chrono::milliseconds lingerTime{200};
     static constexpr std::chrono::minutes silentTime{2};
 
+    static bool isHeld(const std::shared_ptr<const bool>& released) { return released && !*released; }
+
     /// The handler of an operation that is followed by another one, or by the connection's end if it fails.
     auto then(void (Connection::*next)())
     {
@@ -85,6 +85,17 @@ private:
     {
         m_timer.expires_after(time);
         m_timer.async_wait(then(next));
+    }
+
+    void begin()
+    {
+        if (isHeld(m_released)) {
+            wait(holdTime, &Connection::begin);
+        } else if constexpr (isSecure) {
+            m_stream.async_handshake(boost::asio::ssl::stream_base::server, then(&Connection::startRequest));
+        } else {
+            startRequest();
+        }
     }
 
     void startRequest()
@@ -181,11 +192,11 @@ private:
             return;
         }
         const Step& step = m_reply.steps[m_step];
-        const bool isHeld = step.released && !*step.released;
-        if (isHeld || step.wait.count() > 0 || step.times != 1) {
+        const bool isStepHeld = isHeld(step.released);
+        if (isStepHeld || step.wait.count() > 0 || step.times != 1) {
             read(); // a write alone would not notice soon that the client has gone
         }
-        if (isHeld) {
+        if (isStepHeld) {
             wait(holdTime, &Connection::goOn);
         } else if (step.wait.count() > 0) {
             wait(step.wait, &Connection::write);
@@ -282,6 +293,7 @@ private:
     boost::asio::steady_timer m_timer;
     Service& m_service;
     CertificateAuthority* m_authority;
+    std::shared_ptr<const bool> m_released;
     std::vector<char> m_received; ///< what the read under way writes to
     bool m_isReading = false;
     std::string m_unparsed;

@@ -76,7 +76,8 @@ std::vector<Route> controlRoutes(SharedState& state, CertificateAuthority& autho
               }),
         order(http::verb::post, "/connections",
               [&state](const Request& request) {
-                  state.plannedConnections.add(readPlannedConnection(Json::parse(request.body())));
+                  state.plannedConnections.add(
+                      readPlannedConnection(Json::parse(request.body()), state.released));
               }),
         order(http::verb::delete_, "/plans",
               [&state](const Request&) {

@@ -39,14 +39,14 @@ void serve(tcp::socket socket, Service& service, CertificateAuthority* authority
     if (plan.misbehaviour) {
         connectionOver(std::move(socket), service)->misbehave(*plan.misbehaviour);
     } else if (authority == nullptr) {
-        connectionOver(std::move(socket), service)->start();
+        connectionOver(std::move(socket), service)->start(plan.released);
     } else {
         auto& tls = *authority->certificate(plan.certificate).tls;
         boost::asio::ssl::stream<tcp::socket> stream(std::move(socket), tls);
         if (plan.tlsVersion) {
             speakOnly(*plan.tlsVersion, *stream.native_handle());
         }
-        connectionOver(std::move(stream), service, authority)->start();
+        connectionOver(std::move(stream), service, authority)->start(plan.released);
     }
 }
 } // namespace

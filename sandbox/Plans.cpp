@@ -157,14 +157,16 @@ PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<const b
     return planned;
 }
 
-PlannedConnection readPlannedConnection(const Json& order)
+PlannedConnection readPlannedConnection(const Json& order, const std::shared_ptr<const bool>& released)
 {
-    const Members members(order, {"skip", "secure", "fault", "certificate", "tls"});
+    const Members members(order, {"skip", "secure", "fault", "held", "certificate", "tls"});
     const bool isTls = members.has("certificate") || members.has("tls");
-    require(members.has("fault") != isTls, R"(either "fault", or "certificate" and "tls", are expected)");
+    require(members.has("fault") != (isTls || members.has("held")),
+            R"(either "fault", or one of "held", "certificate" and "tls", is expected)");
     PlannedConnection planned;
     planned.skip = members.number("skip", 0, anyNumber, 0);
     planned.secure = members.get<bool>("secure");
+    planned.released = members.get<bool>("held").value_or(false) ? released : nullptr;
     planned.misbehaviour = members.oneOf("fault", misbehaviours);
     planned.certificate = members.oneOf("certificate", certificateKinds).value_or(CertificateKind::Good);
     planned.tlsVersion = members.oneOf("tls", tlsVersions);

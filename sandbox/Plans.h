@@ -25,20 +25,22 @@ struct PlannedAnswer
     Answer answer;
 };
 
-/// The fate of one connection to come: a misbehaviour, or a certificate and a version of TLS.
+/// The fate of one connection to come: a misbehaviour; or when it is read from, its certificate and its
+/// version of TLS.
 struct PlannedConnection
 {
     std::uint64_t skip = 0;
     std::optional<bool> secure;
-    std::optional<Reply> misbehaviour; ///< instead of the TLS handshake and the requests
+    std::shared_ptr<const bool> released; ///< whether it may be read from; null: it may
+    std::optional<Reply> misbehaviour;    ///< instead of the TLS handshake and the requests
     CertificateKind certificate = CertificateKind::Good;
     std::optional<int> tlsVersion; ///< the only one that is spoken, as OpenSSL numbers it
 };
 
-/// @param released releases the answer if the order says that it is held
+/// @param released releases the answer or the connection if the order says that it is held
 /// @throws HttpError 400 or Json::exception for an order that is malformed
 PlannedAnswer readPlannedAnswer(const Json& order, const std::shared_ptr<const bool>& released);
-PlannedConnection readPlannedConnection(const Json& order);
+PlannedConnection readPlannedConnection(const Json& order, const std::shared_ptr<const bool>& released);
 
 /// Each plan is used once, the oldest first.
 template <typename Plan>

@@ -35,7 +35,7 @@ struct SharedState
     std::map<std::string, std::string> attachments; ///< the files' bytes, by their identifiers
     std::vector<ReceivedRequest> requests;
     Plans<PlannedAnswer> plannedAnswers;
-    /// Whether the answers may go that are planned as held from now on.
+    /// Whether what is planned as held from now on may go on.
     std::shared_ptr<bool> released = std::make_shared<bool>(false);
     Plans<PlannedConnection> plannedConnections;
 };

@@ -37,8 +37,8 @@ Serves until SIGINT or SIGTERM (on Windows: Ctrl-C, or its console is closed) an
   VANTRY_SANDBOX_CA_FILE=PATH                                  the certificate authority (PEM), removed at the end
   VANTRY_SANDBOX_USER=NAME  VANTRY_SANDBOX_PASSWORD=PASSWORD   as given
 
-With -- COMMAND ARG... at its end it prints nothing, runs the command with these variables in its environment, and ends with
-the command's exit code (on Linux 128 + n when signal n ended it).
+With -- COMMAND ARG... at its end it prints nothing, runs the command with these variables in its environment,
+and ends with the command's exit code (on Linux 128 + n when signal n ended it).
 
 All ports are chosen by the system and open on 127.0.0.1 alone. Certificates are made afresh for each run:
 a CA (CN=Vantry Sandbox CA and a number) and from it the server's certificate (CN=localhost), whose
@@ -84,25 +84,27 @@ CONTROL INTERFACE, on a port of its own; its requests are neither recorded nor g
                          the answer; status 200 when absent. Reason phrase and Content-Length are added.
                          Status 1xx, 204 and 304 have neither body nor Content-Length.
       "steps"            instead: [{"raw":TEXT,"waitMs":N,"times":N},...], written in this order, each
-                         character a byte, "times" times (1 when absent; 0: without end, until the client goes) and each time
-                         after "waitMs", at most one hour; with "renegotiate":CERTIFICATE the bytes are
-                         followed by a renegotiation that presents it, where TLS 1.2 is spoken
+                         character a byte, "times" times (1 when absent; 0: without end, until the
+                         client goes) and each time after "waitMs", at most one hour; with
+                         "renegotiate":CERTIFICATE the bytes are followed by a renegotiation that presents it,
+                         where TLS 1.2 is spoken
       "then"             what follows the last step: "close" (in good order, as when absent), "drop" (close
                          without a TLS goodbye), "reset" (the connection), "stay" (open and silent until the
                          client goes)
       "delayMs"          how long to wait before the answer, at most one hour
       "held"             true: the answer waits for POST /release
-  POST /release      has the answers go that were planned as held so far, also where the request has yet to
-                     come; 204
+  POST /release      has go on what was planned as held so far, also where the request or connection has yet
+                     to come; 204
   POST /connections  plans the fate of one connection to come on a REST port; 204, or 400 if malformed. The
                      oldest that fits decides; it is used once:
       "secure"           true or false: the port that it fits; absent: any
       "skip"             so many connections that fit are let through first
-      and "fault", or one or both of the others:
+      and "fault", or some of the others:
       "fault"            "close", "reset"; "silent" (never a byte; no more than 64 KiB are read in the first
                          two minutes); or, when the client has begun to speak: "plain" (HTTP text), "alert"
                          (a fatal TLS alert), "garbage" (neither HTTP nor TLS), "closeInHandshake" (half of
                          a TLS ServerHello), each closed afterwards
+      "held"             true: nothing is read before POST /release
       "certificate"      what the TLS port presents: "expired", "notYetValid", "otherHost", "selfSigned",
                          "unknownCa", or "other", which is another good one of the same CA; "good" when absent
       "tls"              the only version that it speaks: "1.1" or "1.2"; absent: 1.2 and 1.3

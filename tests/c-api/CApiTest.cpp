@@ -156,6 +156,7 @@ struct Transferred
         EXPECT_TRUE(toReceive == 0 || received <= toReceive);
         transferred.sent = std::max(transferred.sent, sent);
         transferred.received = std::max(transferred.received, received);
+        transferred.toReceive = std::max(transferred.toReceive, toReceive);
         transferred.threads.insert(std::this_thread::get_id());
         *giveUp = sent >= transferred.limit ? 1 : 0;
     }
@@ -163,6 +164,7 @@ struct Transferred
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t sent = 0;
     std::uint64_t received = 0;
+    std::uint64_t toReceive = 0;
     std::set<std::thread::id> threads;
 };
 
@@ -498,6 +500,7 @@ TEST_F(CApiTest, ATransferTellsItsProgressAndCanBeGivenUp)
     expectStatus(saveAttachment(vantry_result_note_id(note.get()), content), 201);
     EXPECT_GE(transferred.sent, size);
     EXPECT_GT(transferred.received, 0U);
+    EXPECT_EQ(transferred.received, transferred.toReceive);
     EXPECT_EQ(transferred.threads, std::set{std::this_thread::get_id()});
 
     transferred.limit = 0;

@@ -88,7 +88,7 @@ public:
     void forgetRequests() const { control("DELETE", "/requests"); }
 
     void plan(const Answer& answer) const { control("POST", "/answers", answer.plan().dump()); }
-    /// Sends the answers that are held; what was planned as held before is not held when its request comes.
+    /// Has go on what is held; what was planned as held before is not held when it comes.
     void release() const { control("POST", "/release"); }
     /// The fate of a connection to come, in the control interface's words.
     void planConnection(const nlohmann::json& fate) const { control("POST", "/connections", fate.dump()); }

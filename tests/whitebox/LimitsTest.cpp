@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <future>
 #include <string>
+#include <thread>
 
 using namespace std::chrono_literals;
 using VantryIntegrationApi::CVantryApi;
@@ -62,6 +64,20 @@ TEST_F(Limits, AnAnswerThatMovesHasItsTimeFromTheRequestsEndAndNoMore)
     expectRefusal(limits, slowAnswer(1000, 50), L"takes longer than");
     limits.answerTime = 20s;
     EXPECT_EQ(statusOf(limits, slowAnswer(20, 50)).httpStatusCode, 200);
+}
+
+/// The server reads nothing for longer than its answer may take.
+TEST_F(Limits, AnAnswersTimeBeginsWithTheEndOfAnUploadThatStoodStill)
+{
+    ExchangeLimits limits;
+    limits.answerTime = 2s;
+    content = 30'000'000; // more than the system takes on the server's behalf
+    sandbox.planConnection({{"held", true}, {"secure", false}});
+    const auto released = std::async(std::launch::async, [this] {
+        std::this_thread::sleep_for(2500ms);
+        sandbox.release();
+    });
+    EXPECT_EQ(statusOf(limits, slowAnswer(5, 50)).httpStatusCode, 200);
 }
 
 TEST_F(Limits, AServerThatStandsStillIsWaitedForSoLongAndOneThatMovesForever)
