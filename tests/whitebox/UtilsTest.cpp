@@ -1,6 +1,7 @@
 #include "Addresses.h"
 #include "ErrorText.h"
 #include "GuardedCall.h"
+#include "Module.h"
 #include "ModuleTexts.h"
 
 #include "platform/PlatformSupport.h"
@@ -10,6 +11,7 @@
 #include <cpprest/json.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
 
 namespace Utils = VantryIntegrationApi::Utils;
@@ -21,6 +23,20 @@ TEST(StringTable, GivesTheTwoTextsAndNothingElse)
     EXPECT_EQ(Utils::LoadStringW(102), L"Could not verify the Vantry certificate.");
     EXPECT_EQ(Utils::LoadStringW(100), L"");
     EXPECT_EQ(Utils::LoadStringW(103), L"");
+}
+
+TEST(RunningWork, IsThereAsLongAsOneOfItsCopies)
+{
+    using Platform::RunningWork;
+    auto work = std::make_unique<RunningWork>();
+    auto copy = std::make_unique<RunningWork>(*work);
+    work.reset();
+    EXPECT_TRUE(RunningWork::exists());
+    auto moved = std::make_unique<RunningWork>(std::move(*copy));
+    copy.reset();
+    EXPECT_TRUE(RunningWork::exists());
+    moved.reset();
+    EXPECT_FALSE(RunningWork::exists());
 }
 
 TEST(Addresses, ABaseKeepsSchemeHostAndAWrittenPort)
