@@ -3,6 +3,7 @@
 #include "GuardedCall.h"
 #include "Module.h"
 #include "ModuleTexts.h"
+#include "Utf8.h"
 
 #include "platform/PlatformSupport.h"
 #include "support/CapturedLog.h"
@@ -37,6 +38,23 @@ TEST(RunningWork, IsThereAsLongAsOneOfItsCopies)
     EXPECT_TRUE(RunningWork::exists());
     moved.reset();
     EXPECT_FALSE(RunningWork::exists());
+}
+
+/// ASCII is taken in blocks.
+TEST(Utf8, SeesACharacterThatIsNotAsciiWhereverItStands)
+{
+    for (std::size_t at = 0; at < 100; ++at) {
+        SCOPED_TRACE(at);
+        std::wstring text(100, L'x');
+        text[at] = L'\u00E9';
+        EXPECT_EQ(Platform::fromUtf8(Platform::toUtf8(text)), text);
+        EXPECT_EQ(Platform::asciiLength(text), at);
+        text[at] = L'\0';
+        EXPECT_EQ(Platform::asciiLength(text), at);
+        std::string malformed(100, 'x');
+        malformed[at] = '\xFF';
+        EXPECT_FALSE(Platform::isUtf8(malformed));
+    }
 }
 
 TEST(Addresses, ABaseKeepsSchemeHostAndAWrittenPort)
