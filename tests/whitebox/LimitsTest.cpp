@@ -83,13 +83,13 @@ TEST_F(Limits, AnAnswersTimeBeginsWithTheEndOfAnUploadThatStoodStill)
 TEST_F(Limits, AServerThatStandsStillIsWaitedForSoLongAndOneThatMovesForever)
 {
     ExchangeLimits limits;
-    limits.standstillTime = 2s;
+    limits.standstillTime = 4s;
     const std::wstring text = L"neither taken nor sent";
     expectRefusal(limits, Answer::script({{""}}, "stay"), text);
     expectRefusal(limits, Answer::script({{"HTTP/1.1 200 OK\r\nContent-Ty"}}, "stay"), text);
     expectRefusal(limits, Answer::script({{"HTTP/1.1 200 OK\r\nX-Slow: "}, {"x", 50, 0}}, "close"), text);
     expectRefusal(limits, Answer::script({{head + "10\r\n\r\n{"}}, "stay"), text);
-    EXPECT_EQ(statusOf(limits, slowAnswer(60, 50)).httpStatusCode, 200);
+    EXPECT_EQ(statusOf(limits, slowAnswer(100, 50)).httpStatusCode, 200);
 }
 
 TEST_F(Limits, AnAnswersBodyHasABoundAndAnUploadHasNone)

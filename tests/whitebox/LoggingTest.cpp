@@ -55,11 +55,20 @@ TEST_F(Logging, AScopeTestsTheLevelAgainWhenItEnds)
     EXPECT_EQ(log.texts(), (Texts{L"TRACE CVantryApi Early entering."}));
 }
 
+TEST_F(Logging, ValuesThatUnicodeKeepsOutOfTextsAreReplaced)
+{
+    LUMO_LINE(logger, Info, L"a\xFDD0\xFDEF\xFFFE\xFFFF z");
+    LUMO_LINE(logger, Info, L"a\xFDCF\xFDF0\xFFFD z");
+    EXPECT_EQ(log.texts(), (Texts{L"INFO CVantryApi a\xFFFD\xFFFD\xFFFD\xFFFD z",
+                                  L"INFO CVantryApi a\xFDCF\xFDF0\xFFFD z"}));
+}
+
 TEST(Password, IsMaskedWithTheOneBeforeItInEitherCaseOfItsDigits)
 {
     Lumo::hidePassword(L"first");
     Lumo::hidePassword(L"a%2Fbc%C3");
     Lumo::hidePassword(L"a%2Fb");
+    Lumo::hidePassword(L"a%2Fb"); // the one before it stays
     const std::vector<std::pair<std::wstring, std::wstring>> table{
         {L"/Session?username=u&password=a%2Fb", L"/Session?username=u&password=***************"},
         {L"password=a%2fb&password=a%2fb", L"password=***************&password=***************"},
