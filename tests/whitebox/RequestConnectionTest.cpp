@@ -1,5 +1,7 @@
 #include "RequestConnection.h"
 
+#include "platform/PlatformSupport.h"
+
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
 
@@ -23,12 +25,17 @@ TEST(RequestConnection, WhatArrivesDuringALookIsNotTakenForReadOrForLessThanNoth
     socket.connect(acceptor.local_endpoint());
     acceptor.accept(peer);
 
-    web::http::client::http_client_config config;
-    web::uri base("http://127.0.0.1");
-    web::http::http_request request;
-    const auto connection = Platform::watchConnection(config, base, request);
-    config.invoke_nativehandle_options(&socket);
+    const auto handles = countHandles();
+    auto connection = [&socket] {
+        web::http::client::http_client_config config;
+        web::uri base("http://127.0.0.1");
+        web::http::http_request request;
+        auto watched = Platform::watchConnection(config, base, request);
+        config.invoke_nativehandle_options(&socket);
+        return watched;
+    }();
     connection->opened();
+    EXPECT_EQ(countHandles(), handles + 1);
 
     // Nobody reads.
     const auto writer = std::async(std::launch::async, [&peer] {
@@ -44,4 +51,6 @@ TEST(RequestConnection, WhatArrivesDuringALookIsNotTakenForReadOrForLessThanNoth
         most = std::max(most, connection->bytesRead().value());
     }
     EXPECT_EQ(most, 0U);
+    connection.reset();
+    EXPECT_EQ(countHandles(), handles);
 }
