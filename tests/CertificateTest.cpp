@@ -162,6 +162,7 @@ TEST_F(Certificate, WhatTheProbeAnswersDoesNotDecide)
 TEST_F(Certificate, APlainConnectionIsNeitherProbedNorAskedAbout)
 {
     answerWith(false);
+    sandbox.planConnection({{"certificate", "unknownCa"}}); // nor looked at
     for (const auto& endPoint : {sandbox.http, L"HTTPS" + sandbox.https.substr(5)}) {
         SetEndPoint(endPoint);
         CreateSession();

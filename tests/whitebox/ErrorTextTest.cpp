@@ -63,6 +63,7 @@ TEST(ErrorText, SaysInWordsWhatTheCategoryHasNoTextFor)
                          {12170, L"revoked"},
                          {12175, L"certificate is not trusted"}}
                   : Rows{{tls(134), L"The server's certificate is not trusted"},
+                         {tls(156), L"does not answer with TLS"},
                          {tls(267), L"does not answer with TLS"},
                          {tls(294), L"ended the secure connection early"},
                          {tls(1040), L"could not agree"},
