@@ -117,6 +117,17 @@ TEST_F(Certificate, AServerThatTheSystemRefusesIsSentNothingInTheWordsOfTheProbe
     }
 }
 
+TEST_F(Certificate, WhatAnEarlierCallAcceptedBindsNoCallWithoutACallback)
+{
+    answerWith(true);
+    CreateSession();
+    SetValidateCertificateCallback(nullptr);
+    sandbox.planConnection({{"certificate", "other"}}); // the probe's
+    sandbox.planConnection({{"certificate", "other"}}); // the request's
+    CreateSession();
+    expectStatus(200, L"OK");
+}
+
 /// The first probe's connection goes on with another certificate while the second probe awaits its answer.
 TEST_F(Certificate, AnEarlierProbesConnectionChangesNothingThatIsShown)
 {

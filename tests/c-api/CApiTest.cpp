@@ -325,8 +325,9 @@ TEST_F(CApiTest, ArgumentsThatCannotBeAreRefused)
         expectStatus(Result(vantry_create_ticket(ticket)), VANTRY_INVALID_ARGUMENT);
     }
     const vantry_tech_note longNote{sizeof(longNote) + 8, "1001", "", 0, 0};
-    const vantry_tech_note unknownVisibility{sizeof(unknownVisibility), "1001", "", 0, 2};
-    for (const auto* note : {static_cast<const vantry_tech_note*>(nullptr), &longNote, &unknownVisibility}) {
+    const vantry_tech_note negative{sizeof(negative), "1001", "", 0, -1};
+    const vantry_tech_note two{sizeof(two), "1001", "", 0, 2};
+    for (const auto* note : {static_cast<const vantry_tech_note*>(nullptr), &longNote, &negative, &two}) {
         expectStatus(Result(vantry_save_tech_note(note)), VANTRY_INVALID_ARGUMENT);
     }
     const vantry_attachment noSize{0, "1", "name", "", 0};
