@@ -513,6 +513,18 @@ TEST_F(CApiTest, ATransferTellsItsProgressAndCanBeGivenUp)
     expectStatus(saveAttachment(vantry_result_note_id(note.get()), content), 201);
 }
 
+TEST_F(CApiTest, TheCertificatesCheckCanBeGivenUpToo)
+{
+    useHttps();
+    Transferred transferred;
+    transferred.limit = 0;
+    EXPECT_EQ(vantry_set_progress_callback(&Transferred::callback, &transferred), VANTRY_OK);
+    sandbox.plan(Answer(200).to("/").held());
+    expectStatus(createSession(), VANTRY_GIVEN_UP);
+    EXPECT_TRUE(sandbox.requests().empty());
+    sandbox.release();
+}
+
 TEST_F(CApiTest, TheLogGoesWhereTheHostWantsIt)
 {
     const auto path = std::filesystem::temp_directory_path() /
