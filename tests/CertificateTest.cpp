@@ -128,6 +128,20 @@ TEST_F(Certificate, WhatAnEarlierCallAcceptedBindsNoCallWithoutACallback)
     expectStatus(200, L"OK");
 }
 
+TEST_F(Certificate, APlainCallFromWithinTheCallbackLeavesTheNextConnectionUnderValidation)
+{
+    SetValidateCertificateCallback([this](const CERT_CONTEXT&) {
+        SetEndPoint(sandbox.http);
+        CloseSession();
+        SetEndPoint(sandbox.https);
+        return true;
+    });
+    sandbox.planConnection({{"certificate", "unknownCa"}, {"skip", 1}});
+    CreateSession();
+    EXPECT_EQ(GetLastResponse().httpStatusCode, 600);
+    EXPECT_FALSE(sandbox.onlyRequest().secure);
+}
+
 /// The first probe's connection goes on with another certificate while the second probe awaits its answer.
 TEST_F(Certificate, AnEarlierProbesConnectionChangesNothingThatIsShown)
 {

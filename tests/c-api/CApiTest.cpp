@@ -435,7 +435,7 @@ TEST_F(CApiTest, MoreMemoryThanThereIsIsAStatus)
 TEST_F(CApiTest, CallsOfManyThreadsTakeTurns)
 {
     constexpr int threadCount = 8;
-    constexpr int rounds = 5;
+    constexpr int rounds = 15;
     std::vector<std::string> ids(threadCount * rounds);
     std::vector<std::thread> threads;
     std::atomic<int> uploaded = 0;
