@@ -44,7 +44,6 @@ struct Work
     std::size_t size;
     int rounds;
     double goal; ///< a part of what the bare SDK needs
-    bool quick;  ///< also where only a first impression is wanted
     /// A part of what the C++ functions need; 0: none.
     double goalOfTheCInterface = 0;
 };
@@ -68,16 +67,11 @@ constexpr double goal([[maybe_unused]] double onLinux)
 }
 
 const Work works[] = {
-    {Operation::Note, 100, 1500, goal(1.03), true, 1.02},
-    {Operation::Note, MB, 30, goal(1.2), true},
-    {Operation::Note, 10 * MB, 9, goal(1.2), false},
-    {Operation::SecureNote, 100, 300, goal(1.03), true},
-    {Operation::List, 1000, 60, goal(0.95), true},
-    {Operation::List, 10'000, 20, goal(0.95), true},
-    {Operation::List, 100'000, 15, goal(0.95), false, 1.10},
-    {Operation::Upload, 10 * MB, 30, goal(1.15), true},
-    {Operation::Upload, 100 * MB, 9, goal(1.15), true},
-    {Operation::Upload, 500 * MB, 5, goal(1.15), false},
+    {Operation::Note, 100, 1500, goal(1.03), 1.02},   {Operation::Note, MB, 30, goal(1.2)},
+    {Operation::Note, 10 * MB, 9, goal(1.2)},         {Operation::SecureNote, 100, 300, goal(1.03)},
+    {Operation::List, 1000, 60, goal(0.95)},          {Operation::List, 10'000, 20, goal(0.95)},
+    {Operation::List, 100'000, 15, goal(0.95), 1.10}, {Operation::Upload, 10 * MB, 30, goal(1.15)},
+    {Operation::Upload, 100 * MB, 9, goal(1.15)},     {Operation::Upload, 500 * MB, 5, goal(1.15)},
 };
 
 /// Peak memory beyond the host's own, for each byte or ticket; goal 0: what the bare SDK needs.
@@ -88,9 +82,9 @@ struct MemoryWork
 };
 
 const MemoryWork memoryWorks[] = {
-    {{Operation::Upload, 100 * MB, 1, 1.05, false}, "× the file"},
-    {{Operation::AsynchronousUpload, 100 * MB, 1, 2.05, false}, "× the file"},
-    {{Operation::List, 100'000, 1, 0, false}, "bytes a ticket"},
+    {{Operation::Upload, 100 * MB, 1, 1.05}, "× the file"},
+    {{Operation::AsynchronousUpload, 100 * MB, 1, 2.05}, "× the file"},
+    {{Operation::List, 100'000, 1, 0}, "bytes a ticket"},
 };
 
 /// The records that a host passes to an operation.
@@ -263,7 +257,6 @@ void measureMemory(const std::string& program, std::vector<std::string>& verdict
 
 struct Options
 {
-    bool quick = false;
     std::string only;
     std::vector<std::size_t> peak;
 };
@@ -280,7 +273,7 @@ void run(const std::string& program, const Options& options)
     std::printf("Time of a call\n\n| operation | size | done by | median ms | p99 ms | to the SDK | CPU ms | "
                 "CPU to the SDK |\n|---|---|---|---:|---:|---:|---:|---:|\n");
     for (const auto& work : works) {
-        if (wanted(nameOf(work.operation)) && (!options.quick || work.quick)) {
+        if (wanted(nameOf(work.operation))) {
             measureTime(work, verdicts);
         }
     }
@@ -301,7 +294,6 @@ int main(int argc, char** argv)
 {
     Options options;
     CLI::App app("Measures the library beside its peers.");
-    app.add_flag("--quick", options.quick, "some of the sizes");
     app.add_option("--only", options.only, "only what begins so: note, list, upload, memory");
     app.add_option("--peak", options.peak, "number of a work and of a client: the peak in bytes")
         ->expected(2);

@@ -382,6 +382,9 @@ TEST_F(CApiTest, FaultsOfTheServerAreStatuses)
     sandbox.planConnection({{"fault", "reset"}, {"secure", false}});
     expectStatus(createTicket(), 600);
     const auto note = saveNote();
+    sandbox.plan(Answer::bytes("HTTP/1.1 400 \"No\" way\r\nContent-Length: 0\r\n\r\n"));
+    EXPECT_STREQ(vantry_result_message(saveAttachment(vantry_result_note_id(note.get()), "content").get()),
+                 "\"No\" way");
     sandbox.plan(Answer(200, R"({"reason":"Too \"big\""})"));
     const auto refused = saveAttachment(vantry_result_note_id(note.get()), "content");
     expectStatus(refused, VANTRY_UPLOAD_REFUSED);
@@ -532,6 +535,7 @@ TEST_F(CApiTest, TheLogGoesWhereTheHostWantsIt)
                           "vantry-\xC3\xA4-" +
                           std::to_string(std::hash<std::thread::id>()(std::this_thread::get_id())) + ".log");
     Lines lines;
+    std::ofstream(path) << "of before\n";
     EXPECT_EQ(vantry_set_log_callback(&Lines::callback, &lines, VANTRY_LOG_TRACE), VANTRY_OK);
     EXPECT_EQ(vantry_set_log_file(path.u8string().c_str(), VANTRY_LOG_INFO), VANTRY_OK);
     expectStatus(createTicket(), 201);
@@ -552,6 +556,7 @@ TEST_F(CApiTest, TheLogGoesWhereTheHostWantsIt)
     const std::string written(std::istreambuf_iterator<char>(file), {});
     file.close();
     std::filesystem::remove(path);
+    EXPECT_EQ(written.find("of before"), 0U) << written;
     EXPECT_NE(written.find(printer), std::string::npos) << written;
     EXPECT_EQ(written.find("TRACE"), std::string::npos);
     EXPECT_EQ(written.find("not in the file"), std::string::npos);

@@ -49,7 +49,7 @@ struct Usage
 class Soak
 {
 public:
-    Soak(int operations, bool renegotiating) : m_operations(operations), m_renegotiating(renegotiating)
+    explicit Soak(int operations) : m_operations(operations)
     {
         trustAuthority(m_sandbox.authorityFile, m_sandbox.get("/ca.der"));
         SetCredentials(m_sandbox.user, m_sandbox.password);
@@ -100,22 +100,8 @@ private:
         }
     }
 
-    /// The next probe's answer stays unfinished, and its connection shows another certificate again and
-    /// again.
-    void planRenegotiation() const
-    {
-        m_sandbox.planConnection({{"tls", "1.2"}, {"secure", true}});
-        m_sandbox.plan(
-            Answer::script({{"HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<html>"}, {"", 1, 40, "other"}},
-                           "stay")
-                .to("/"));
-    }
-
     void perform(const Operation& operation)
     {
-        if (m_renegotiating) {
-            planRenegotiation();
-        }
         operation.start();
         if (m_awaited != nullptr && !m_awaited->next(std::chrono::seconds(60))) {
             throw std::runtime_error(narrow(operation.exportName) + " sends no message");
@@ -129,7 +115,6 @@ private:
     }
 
     const int m_operations;
-    const bool m_renegotiating;
     const Sandbox m_sandbox;
     TestWindow m_window;
     TestWindow* m_awaited = nullptr;
@@ -138,12 +123,9 @@ private:
 
 int main(int argc, char** argv)
 {
-    const int operations = argc >= 2 ? std::atoi(argv[1]) : 0;
-    const bool renegotiating = argc == 3 && std::string(argv[2]) == "renegotiating";
-    if (operations <= 0 || (argc != 2 && !renegotiating)) {
-        std::cerr << "usage: vantry-soak OPERATIONS [renegotiating]\n"
-                     "  renegotiating  over https alone, against a server that leaves each probe's answer\n"
-                     "                 unfinished and renegotiates with another certificate\n";
+    const int operations = argc == 2 ? std::atoi(argv[1]) : 0;
+    if (operations <= 0) {
+        std::cerr << "usage: vantry-soak OPERATIONS\n";
         return 64;
     }
     try {
@@ -151,13 +133,11 @@ int main(int argc, char** argv)
         std::cout
             << "| endpoint | window | operations | time | memory | threads | handles or descriptors | |\n"
                "|---|---|---|---|---|---|---|---|\n";
-        Soak soak(operations, renegotiating);
+        Soak soak(operations);
         bool flat = true;
         for (const bool secure : {false, true}) {
             for (const bool withWindow : {false, true}) {
-                if (secure || !renegotiating) {
-                    flat = soak.run(secure, withWindow) && flat;
-                }
+                flat = soak.run(secure, withWindow) && flat;
             }
         }
         return flat ? 0 : 1;
