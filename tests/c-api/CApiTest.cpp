@@ -437,15 +437,16 @@ TEST_F(CApiTest, MoreMemoryThanThereIsIsAStatus)
 
 TEST_F(CApiTest, CallsOfManyThreadsTakeTurns)
 {
-    constexpr int threadCount = 8;
-    constexpr int rounds = 15;
+    constexpr std::size_t threadCount = 8;
+    constexpr std::size_t rounds = 15;
     std::vector<std::string> ids(threadCount * rounds);
     std::vector<std::thread> threads;
     std::atomic<int> uploaded = 0;
     expectStatus(createSession(), 200);
-    for (int number = 0; number < threadCount; ++number) {
+    threads.reserve(threadCount);
+    for (std::size_t number = 0; number < threadCount; ++number) {
         threads.emplace_back([&, number] {
-            for (int round = 0; round < rounds; ++round) {
+            for (std::size_t round = 0; round < rounds; ++round) {
                 EXPECT_EQ(setCredentials(), VANTRY_OK);
                 const auto created = createTicket();
                 ids[number * rounds + round] = vantry_result_ticket_id(created.get());
